@@ -1,6 +1,6 @@
 #include "Platform/Foundation/JSONCoding.hpp"
 
-#include "Platform/Foundation/DateFormatter.hpp"
+#include "Platform/Foundation/DateText.hpp"
 
 #include <algorithm>
 #include <cstring>
