@@ -1,0 +1,3 @@
+set(KESTROM_BOT_SOURCES
+  Bot/ConditionalEvaluation.cpp
+)
