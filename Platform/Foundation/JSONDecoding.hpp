@@ -53,7 +53,7 @@ class DecodingContext {
  public:
   using DecodeElement = void (*)(void* list, JSONValue element, DecodingContext& context);
 
-  explicit DecodingContext(const DecodingOptions& options) : _options(options) {}
+  explicit DecodingContext(const DecodingOptions& options) : _options(options) { _path.reserve(64); }
 
   const DecodingOptions& options() const { return _options; }
   std::vector<DecodingError>& errors() { return _errors; }

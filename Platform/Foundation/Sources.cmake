@@ -1,0 +1,9 @@
+set(KESTROM_FOUNDATION_SOURCES
+  Base64.cpp
+  DateText.cpp
+  JSONCarefulParser.cpp
+  JSONCoding.cpp
+  JSONDecoding.cpp
+  JSONDocument.cpp
+  JSONWriter.cpp
+  URL.cpp)
