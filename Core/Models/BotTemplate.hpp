@@ -40,7 +40,7 @@ struct ConditionalNode {
     /// The literal. In JSON a bare value, tried as a number, then as a string, then as a boolean.
     struct Value {
       struct Number {
-        double value = 0;
+        double value;
         friend bool operator==(const Number&, const Number&) = default;
       };
       struct String {
@@ -48,7 +48,7 @@ struct ConditionalNode {
         friend bool operator==(const String&, const String&) = default;
       };
       struct Bool {
-        bool value = false;
+        bool value;
         friend bool operator==(const Bool&, const Bool&) = default;
       };
 
@@ -77,8 +77,9 @@ struct ConditionalNode {
   friend bool operator==(const ConditionalNode&, const ConditionalNode&) = default;
 };
 
-/// A node of the template's tree. Which list it holds decides how it is walked, in this order: `sequence` (children walked in
-/// order), `adventures` (a menu), `branches` (a branching node), none of them (a leaf). An empty list counts as present.
+/// A node of the template's tree. Which list it holds decides how it is walked, in this order: `sequence` (children
+/// walked in order), `adventures` (a menu), `branches` (a branching node), none of them (a leaf). An empty list counts
+/// as present.
 struct BotNode {
   /// Limits and text of a repeat.
   struct RepeatableDetails {
@@ -111,8 +112,8 @@ struct BotNode {
 /// A bot's decision tree. Decoded once, then only read; may be shared between threads. Its root object has the one key
 /// "sequence".
 struct BotTemplate {
-  /// Levels of node lists within each other, the root's list being the first, that a template may have. Deeper ones are a
-  /// decoding error: no author nests by hand beyond a few dozen, and the bound keeps what follows the tree bounded.
+  /// Levels of node lists within each other, the root's list being the first, that a template may have. Deeper ones are
+  /// a decoding error: no author nests by hand beyond a few dozen, and the bound keeps what follows the tree bounded.
   static constexpr std::size_t kMaximumNesting = 1024;
 
   NodeList sequence;
@@ -120,9 +121,17 @@ struct BotTemplate {
   friend bool operator==(const BotTemplate&, const BotTemplate&) = default;
 };
 
-inline std::size_t NodeList::size() const { return _nodes.size(); }
-inline const BotNode* NodeList::begin() const { return _nodes.data(); }
-inline const BotNode* NodeList::end() const { return _nodes.data() + _nodes.size(); }
-inline const BotNode& NodeList::operator[](std::size_t index) const { return _nodes[index]; }
+inline std::size_t NodeList::size() const {
+  return _nodes.size();
+}
+inline const BotNode* NodeList::begin() const {
+  return _nodes.data();
+}
+inline const BotNode* NodeList::end() const {
+  return _nodes.data() + _nodes.size();
+}
+inline const BotNode& NodeList::operator[](std::size_t index) const {
+  return _nodes[index];
+}
 
 }  // namespace kestrom::models

@@ -8,8 +8,9 @@ namespace kestrom::models {
 struct BotNode;
 
 /// A list of nodes of a template, in the order in which they are walked. A vector that frees what lies below its nodes
-/// without recursion, because a template may nest deeper than a small thread's stack allows. Copying and comparing recurse:
-/// they are for templates of ordinary depth. The address of a node is stable as long as the list does not grow.
+/// without recursion, because a template may nest deeper than a small thread's stack allows. Copying and comparing
+/// recurse: they are for templates of ordinary depth. The address of a node is stable as long as the list does not
+/// grow.
 class NodeList {
  public:
   NodeList();

@@ -2,12 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <expected>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kestrom::foundation {
 
@@ -21,14 +21,14 @@ struct JSONSyntaxError {
 
 namespace detail {
 
-/// One value of a document, in the order of the text; a container's content follows it directly.
-struct JSONNode {
-  union {
-    const char* text;    ///< string (unescaped) or number (as written): its first byte
-    std::uint64_t next;  ///< array or object: index of the node behind its content
-  };
-  std::uint32_t size;  ///< bytes of `text`; elements of an array; members of an object; 1 for true
-  JSONType type;
+/// A document as one run of 64-bit words, a letter in the top byte of each: 'n', 't', 'f'; 'l', 'u' and 'd' with the
+/// number's bits in the word that follows; '"' and 'b' with the offset of a text in `strings` (32 bits of length, then
+/// the bytes; 'b' is a number beyond a double's range, as written); '{' and '[' with the index behind their content in
+/// the low 32 bits and the number of members or elements above them, closed by a word of their own. This is the form in
+/// which simdjson leaves what it parsed ("tape.md" of its documentation), so that nothing is copied out of it.
+struct JSONTape {
+  const std::uint64_t* words;
+  const std::uint8_t* strings;
 };
 
 }  // namespace detail
@@ -36,17 +36,19 @@ struct JSONNode {
 /// A value inside a `JSONDocument`: a light view that is good as long as the document lives.
 class JSONValue {
  public:
-  JSONType type() const { return _node->type; }
-  bool isNull() const { return type() == JSONType::null; }
+  JSONType type() const;
+  bool isNull() const { return letter() == 'n'; }
+  bool isBoolean() const { return letter() == 't' || letter() == 'f'; }
+  bool isNumber() const { return type() == JSONType::number; }
+  bool isString() const { return letter() == '"'; }
+  bool isArray() const { return letter() == '['; }
+  bool isObject() const { return letter() == '{'; }
 
   /// The boolean; only for type boolean.
-  bool boolean() const { return _node->size != 0; }
+  bool boolean() const { return letter() == 't'; }
 
   /// The unescaped text, valid UTF-8; only for type string.
-  std::string_view string() const { return {_node->text, _node->size}; }
-
-  /// The number as it was written; only for type number.
-  std::string_view numberText() const { return {_node->text, _node->size}; }
+  std::string_view string() const { return text(); }
 
   /// The number as a signed 64-bit integer: also 5.0 or 5e1, not 5.5. Absent for other types and what does not fit.
   std::optional<std::int64_t> integer() const;
@@ -54,50 +56,80 @@ class JSONValue {
   /// The number as a double, the nearest one. Absent for other types and for what is beyond a double's range.
   std::optional<double> number() const;
 
+  /// The number in decimal form, only for type number: whole numbers below 2^64 without a point, others in the shortest
+  /// form that reads back as the same double; what is beyond a double's range as it was written.
+  std::string numberText() const;
+
   /// Number of elements of an array or members of an object; only for these types.
-  std::size_t size() const { return _node->size; }
+  std::size_t size() const;
 
   /// Walks the elements of an array or, in steps of a key and a value, the members of an object.
   class Iterator {
    public:
-    JSONValue operator*() const { return JSONValue(_node, _base); }
+    JSONValue operator*() const { return {_tape, _index}; }
     Iterator& operator++() {
-      _node = JSONValue(_node, _base).behind();
+      _index = JSONValue(_tape, _index).behind();
       return *this;
     }
-    bool operator==(const Iterator& other) const { return _node == other._node; }
+    bool operator==(const Iterator& other) const { return _index == other._index; }
 
    private:
     friend class JSONValue;
-    Iterator(const detail::JSONNode* node, const detail::JSONNode* base) : _node(node), _base(base) {}
-    const detail::JSONNode* _node;
-    const detail::JSONNode* _base;
+    Iterator(const detail::JSONTape* tape, std::size_t index) : _tape(tape), _index(index) {}
+    const detail::JSONTape* _tape;
+    std::size_t _index;
   };
 
-  /// Elements of an array; for an object its keys (as strings) and values by turns.
-  Iterator begin() const { return {_node + 1, _base}; }
-  Iterator end() const { return {behind(), _base}; }
+  /// Elements of an array; for an object its keys (as strings) and values by turns. Only for these types.
+  Iterator begin() const { return {_tape, _index + 1}; }
+  Iterator end() const { return {_tape, behind() - 1}; }
+
+  /// Where the value stands in its document, for a caller that keeps many of them: `at` gives the value back.
+  std::size_t position() const { return _index; }
+  JSONValue at(std::size_t position) const { return {_tape, position}; }
 
   /// The member of an object with that key, the last one if there are several; absent for other types.
   std::optional<JSONValue> member(std::string_view key) const;
 
  private:
   friend class JSONDocument;
-  JSONValue(const detail::JSONNode* node, const detail::JSONNode* base) : _node(node), _base(base) {}
+  JSONValue(const detail::JSONTape* tape, std::size_t index) : _tape(tape), _index(index) {}
 
-  const detail::JSONNode* behind() const {
-    return type() == JSONType::array || type() == JSONType::object ? _base + _node->next : _node + 1;
+  std::uint64_t word() const { return _tape->words[_index]; }
+  char letter() const { return static_cast<char>(word() >> 56); }
+  std::uint64_t numberBits() const { return _tape->words[_index + 1]; }
+
+  std::string_view text() const {
+    const std::uint8_t* at = _tape->strings + (word() & 0x00FFFFFFFFFFFFFF);
+    std::uint32_t length;
+    std::memcpy(&length, at, sizeof length);
+    return {reinterpret_cast<const char*>(at + sizeof length), length};
   }
 
-  const detail::JSONNode* _node;
-  const detail::JSONNode* _base;
+  std::size_t behind() const {
+    switch (letter()) {
+      case '{':
+      case '[':
+        return static_cast<std::uint32_t>(word());
+      case 'l':
+      case 'u':
+      case 'd':
+        return _index + 2;
+      default:
+        return _index + 1;
+    }
+  }
+
+  const detail::JSONTape* _tape;
+  std::size_t _index;
 };
 
-/// A parsed JSON document (RFC 8259), read only. Owns all that its values point to. Movable; may be shared between threads.
+/// A parsed JSON document (RFC 8259), read only. Owns all that its values point to. Movable; may be shared between
+/// threads.
 class JSONDocument {
  public:
-  /// Bytes that a document may have. A template of this size has more than a hundred thousand nodes, far more than anybody
-  /// answers; the bound keeps the memory of a parse below about half a gibibyte.
+  /// Bytes that a document may have. A template of this size has more than a hundred thousand nodes, far more than
+  /// anybody answers; the bound keeps the memory of a parse below about half a gibibyte.
   static constexpr std::size_t kMaximumSize = std::size_t{64} << 20;
   /// Containers within each other: five for each level of a template at its deepest nesting, and room to spare.
   static constexpr std::size_t kMaximumDepth = 8192;
@@ -109,15 +141,14 @@ class JSONDocument {
   JSONDocument& operator=(JSONDocument&&) noexcept;
   ~JSONDocument();
 
-  JSONValue root() const { return {_nodes.data(), _nodes.data()}; }
+  JSONValue root() const;
 
  private:
   struct Storage;
 
-  JSONDocument(std::unique_ptr<Storage> storage, std::vector<detail::JSONNode> nodes);
+  explicit JSONDocument(std::unique_ptr<Storage> storage);
 
   std::unique_ptr<Storage> _storage;
-  std::vector<detail::JSONNode> _nodes;
 };
 
 }  // namespace kestrom::foundation

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "Platform/Foundation/Date.hpp"
+#include "Platform/Foundation/JSONDocument.hpp"
+#include "Platform/Foundation/URL.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrom::foundation {
+
+/// Why a document is no record of the wanted kind.
+struct DecodingError {
+  enum class Kind : std::uint8_t {
+    syntax,          ///< the text is no JSON
+    typeMismatch,    ///< a value of another JSON type, or of none of the forms that are allowed
+    keyNotFound,     ///< a required key is missing; the path ends with it
+    valueNotFound,   ///< null where a value is required
+    dataCorrupted,   ///< the right type, but no allowed content
+    nestingTooDeep,  ///< lists within lists beyond the limit
+  };
+
+  Kind kind = Kind::syntax;
+  /// Where in the document, like "sequence[3].options.values[0].key"; empty for the document itself.
+  std::string path;
+  /// One sentence for a person.
+  std::string description;
+
+  friend bool operator==(const DecodingError&, const DecodingError&) = default;
+};
+
+/// What a decoder must know beside the bytes.
+struct DecodingOptions {
+  /// How dates are read. The text form is that of the answers on the wire.
+  enum class Dates : std::uint8_t { secondsSinceReferenceDate, answers };
+
+  Dates dates = Dates::secondsSinceReferenceDate;
+  /// The present documents directory, onto which local file addresses in stored texts are moved.
+  URL documentsDirectory = URL::fromFilePath("/");
+  /// Go on behind an error, to tell every one of a document. The record is of no use then.
+  bool collectAllErrors = false;
+};
+
+/// One run of decoding: where it is, what went wrong, and the lists that wait for their turn.
+/// Lists that hold records of their own kind are not decoded in place but deferred, so that depth costs no stack; the
+/// run still goes through the document depth first. Used by one thread.
+class DecodingContext {
+ public:
+  using DecodeElement = void (*)(void* list, JSONValue element, DecodingContext& context);
+
+  explicit DecodingContext(const DecodingOptions& options) : _options(options) { _path.reserve(64); }
+
+  const DecodingOptions& options() const { return _options; }
+  std::vector<DecodingError>& errors() { return _errors; }
+
+  /// True when the rest of the record need not be read any more.
+  bool isStopped() const { return !_errors.empty() && (_attempts > 0 || !_options.collectAllErrors); }
+
+  /// Notes an error at the present place, or at the member `key` of it.
+  void fail(DecodingError::Kind kind, std::string description, std::string_view key = {});
+
+  void enterKey(std::string_view key) { _path.push_back({key, 0}); }
+  void enterIndex(std::size_t index) { _path.push_back({{}, index}); }
+  void leave() { _path.pop_back(); }
+
+  /// Runs `decode` as one of several forms: true when it went without an error; its errors are dropped.
+  template <class Decode>
+  bool attempt(Decode decode) {
+    std::vector<DecodingError> before = std::move(_errors);
+    _errors.clear();
+    ++_attempts;
+    decode();
+    --_attempts;
+    const bool succeeded = _errors.empty();
+    _errors = std::move(before);
+    return succeeded;
+  }
+
+  /// Decodes the elements of `array` into `list` once the present element is done. `list` must stay where it is.
+  void defer(JSONValue array, void* list, DecodeElement decodeElement, std::size_t maximumNesting);
+
+  /// Decodes what was deferred, and what that defers, until nothing is left or the run has stopped.
+  void runDeferred();
+
+ private:
+  struct PathComponent {
+    std::string_view key;
+    std::size_t index;
+  };
+  struct DeferredList {
+    JSONValue::Iterator next;
+    JSONValue::Iterator end;
+    void* list;
+    DecodeElement decodeElement;
+    std::size_t index;
+    std::size_t level;
+    /// The path to the list: how much of its parent's stays, and what follows.
+    std::size_t sharedPath;
+    std::vector<PathComponent> ownPath;
+  };
+
+  std::string pathText() const;
+
+  const DecodingOptions& _options;
+  std::vector<PathComponent> _path;
+  std::vector<DecodingError> _errors;
+  std::vector<DeferredList> _deferred;
+  std::size_t _level = 0;
+  std::size_t _elementPath = 0;
+  int _attempts = 0;
+};
+
+}  // namespace kestrom::foundation
