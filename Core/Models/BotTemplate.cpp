@@ -28,9 +28,9 @@ struct Coder<Case::Value> {
   static void decode(Case::Value& out, JSONValue value, DecodingContext& context) {
     if (const auto number = value.number()) {
       out.form = Case::Value::Number{*number};
-    } else if (value.type() == JSONType::string) {
+    } else if (value.isString()) {
       out.form = Case::Value::String{std::string(value.string())};
-    } else if (value.type() == JSONType::boolean) {
+    } else if (value.isBoolean()) {
       out.form = Case::Value::Bool{value.boolean()};
     } else {
       context.fail(DecodingError::Kind::typeMismatch, "Value type not recognized");
@@ -44,7 +44,7 @@ static void decodeNode(void* list, JSONValue element, DecodingContext& context);
 template <>
 struct Coder<NodeList> {
   static void decode(NodeList& out, JSONValue value, DecodingContext& context) {
-    if (value.type() != JSONType::array) return failType(context, value, "a list");
+    if (!value.isArray()) return failType(context, value, "a list");
     out.reserve(value.size());
     context.defer(value, &out, &decodeNode, BotTemplate::kMaximumNesting);
   }

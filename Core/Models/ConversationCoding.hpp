@@ -25,7 +25,7 @@ constexpr FieldCoding choiceKeyField(std::string_view key) {
   FieldCoding coding = field<&ValueDTO::key>(key);
   coding.decode = [](void* record, JSONValue value, DecodingContext& context) {
     std::string& text = static_cast<ValueDTO*>(record)->key;
-    if (value.type() == JSONType::boolean) {
+    if (value.isBoolean()) {
       text = value.boolean() ? "true" : "false";
     } else if (const auto integer = value.integer()) {
       text = std::to_string(*integer);

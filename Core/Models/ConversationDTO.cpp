@@ -47,7 +47,7 @@ namespace kestrom::foundation {
 using models::ConversationDTO;
 
 void Coder<ConversationDTO::AnswerDTO::Value>::decode(Value& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::object) return failType(context, value, "an object");
+  if (!value.isObject()) return failType(context, value, "an object");
   if (value.size() != 1) {
     return context.fail(DecodingError::Kind::typeMismatch, "Invalid number of keys found, expected one.");
   }
@@ -57,7 +57,7 @@ void Coder<ConversationDTO::AnswerDTO::Value>::decode(Value& out, JSONValue valu
   context.enterKey(form);
   const auto payload = content.member("_0");
   std::string text;
-  if (content.type() != JSONType::object) {
+  if (!content.isObject()) {
     failType(context, content, "an object");
   } else if (!payload) {
     context.fail(DecodingError::Kind::keyNotFound, "required key \"_0\" is missing", "_0");
@@ -108,13 +108,13 @@ void Coder<ConversationDTO::AnswerDTO::Value>::encode(const Value& in, JSONWrite
 }
 
 void Coder<ConversationDTO::AnswerDTO>::decode(AnswerDTO& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::object) return failType(context, value, "an object");
+  if (!value.isObject()) return failType(context, value, "an object");
   const auto key = value.member("key");
   if (!key) {
     context.fail(DecodingError::Kind::keyNotFound, "required key \"key\" is missing", "key");
   } else {
     context.enterKey("key");
-    if (key->type() == JSONType::boolean) {
+    if (key->isBoolean()) {
       out.key = key->boolean() ? "true" : "false";
     } else {
       Coder<std::string>::decode(out.key, *key, context);

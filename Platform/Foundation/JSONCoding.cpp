@@ -1,6 +1,9 @@
 #include "Platform/Foundation/JSONCoding.hpp"
 
-#include "Platform/Foundation/DateFormatter.hpp"
+#include "Platform/Foundation/DateText.hpp"
+
+#include <algorithm>
+#include <cstring>
 
 namespace kestrom::foundation {
 
@@ -39,11 +42,13 @@ void failType(DecodingContext& context, JSONValue value, std::string_view wanted
 }
 
 void decodeFields(std::span<const FieldCoding> fields, void* record, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::object) return failType(context, value, "an object");
+  if (!value.isObject()) return failType(context, value, "an object");
 
   // The members in the order of the table, so that errors come in that order too. A document mostly has its keys in one
   // order, so the search starts behind the last hit; of equal keys the last one counts.
-  std::array<std::optional<JSONValue>, kMaximumFields> found;
+  constexpr std::size_t kAbsent = 0;
+  std::array<std::size_t, kMaximumFields> found;
+  std::fill_n(found.begin(), fields.size(), kAbsent);
   std::size_t next = 0;
   const auto end = value.end();
   for (auto member = value.begin(); member != end; ++member) {
@@ -52,8 +57,9 @@ void decodeFields(std::span<const FieldCoding> fields, void* record, JSONValue v
     for (std::size_t tried = 0; tried < fields.size(); ++tried) {
       const std::size_t index = next < fields.size() ? next : 0;
       next = index + 1;
-      if (fields[index].key == key) {
-        found[index] = *member;
+      const std::string_view known = fields[index].key;
+      if (known.size() == key.size() && std::memcmp(known.data(), key.data(), key.size()) == 0) {
+        found[index] = (*member).position();
         break;
       }
     }
@@ -61,14 +67,14 @@ void decodeFields(std::span<const FieldCoding> fields, void* record, JSONValue v
 
   for (std::size_t index = 0; index < fields.size(); ++index) {
     const FieldCoding& field = fields[index];
-    if (!found[index]) {
+    if (found[index] == kAbsent) {
       if (field.isRequired) {
         context.fail(DecodingError::Kind::keyNotFound, "required key \"" + std::string(field.key) + "\" is missing",
                      field.key);
       }
-    } else if (field.isRequired || !found[index]->isNull()) {
+    } else if (const JSONValue content = value.at(found[index]); field.isRequired || !content.isNull()) {
       context.enterKey(field.key);
-      field.decode(record, *found[index], context);
+      field.decode(record, content, context);
       context.leave();
     }
     if (context.isStopped()) return;
@@ -82,17 +88,17 @@ void encodeFields(std::span<const FieldCoding> fields, const void* record, JSONW
 }
 
 void Coder<std::string>::decode(std::string& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::string) return failType(context, value, "a string");
+  if (!value.isString()) return failType(context, value, "a string");
   out.assign(value.string());
 }
 
 void Coder<bool>::decode(bool& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::boolean) return failType(context, value, "a boolean");
+  if (!value.isBoolean()) return failType(context, value, "a boolean");
   out = value.boolean();
 }
 
 void Coder<std::int64_t>::decode(std::int64_t& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::number) return failType(context, value, "an integer");
+  if (!value.isNumber()) return failType(context, value, "an integer");
   const auto number = value.integer();
   if (!number) {
     return context.fail(DecodingError::Kind::dataCorrupted,
@@ -102,7 +108,7 @@ void Coder<std::int64_t>::decode(std::int64_t& out, JSONValue value, DecodingCon
 }
 
 void Coder<double>::decode(double& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::number) return failType(context, value, "a number");
+  if (!value.isNumber()) return failType(context, value, "a number");
   const auto number = value.number();
   if (!number) {
     return context.fail(DecodingError::Kind::dataCorrupted, "the number " + value.numberText() + " is beyond a double");
@@ -114,7 +120,7 @@ void Coder<Date>::decode(Date& out, JSONValue value, DecodingContext& context) {
   if (context.options().dates == DecodingOptions::Dates::secondsSinceReferenceDate) {
     return Coder<double>::decode(out.secondsSinceReferenceDate, value, context);
   }
-  if (value.type() != JSONType::string) return failType(context, value, "a date text");
+  if (!value.isString()) return failType(context, value, "a date text");
   const auto date = parseAnswerDate(value.string());
   if (!date) {
     return context.fail(DecodingError::Kind::dataCorrupted,
@@ -124,7 +130,7 @@ void Coder<Date>::decode(Date& out, JSONValue value, DecodingContext& context) {
 }
 
 void Coder<URL>::decode(URL& out, JSONValue value, DecodingContext& context) {
-  if (value.type() != JSONType::string) return failType(context, value, "a URL");
+  if (!value.isString()) return failType(context, value, "a URL");
   auto url = URL::parse(value.string());
   if (!url) return context.fail(DecodingError::Kind::dataCorrupted, "the text is no URL");
   out = std::move(*url);

@@ -154,7 +154,7 @@ struct Coder<URL> {
 template <class T>
 struct Coder<std::vector<T>> {
   static void decode(std::vector<T>& out, JSONValue value, DecodingContext& context) {
-    if (value.type() != JSONType::array) return failType(context, value, "a list");
+    if (!value.isArray()) return failType(context, value, "a list");
     out.clear();
     out.reserve(value.size());
     std::size_t index = 0;
@@ -191,7 +191,7 @@ struct Coder<T> {
 template <detail::HasCases T>
 struct Coder<T> {
   static void decode(T& out, JSONValue value, DecodingContext& context) {
-    if (value.type() != JSONType::string) return failType(context, value, "a string");
+    if (!value.isString()) return failType(context, value, "a string");
     const std::string_view text = value.string();
     for (std::size_t index = 0; index < Coding<T>::kCases.size(); ++index) {
       if (Coding<T>::kCases[index] == text) {

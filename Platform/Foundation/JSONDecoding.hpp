@@ -57,7 +57,7 @@ class DecodingContext {
 
   using DecodeElement = void (*)(void* list, JSONValue element, DecodingContext& context);
 
-  explicit DecodingContext(const DecodingOptions& options) : _options(options) {}
+  explicit DecodingContext(const DecodingOptions& options) : _options(options) { _path.reserve(64); }
 
   const DecodingOptions& options() const { return _options; }
   std::vector<DecodingError>& errors() { return _errors; }

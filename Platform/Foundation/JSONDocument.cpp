@@ -1,12 +1,12 @@
 #include "Platform/Foundation/JSONDocument.hpp"
 
+#include "Platform/Foundation/JSONCarefulParser.hpp"
+
 #include <simdjson.h>
-#include <boost/json/basic_parser_impl.hpp>
 
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 namespace kestrom::foundation {
 
@@ -14,107 +14,12 @@ struct JSONDocument::Storage {
   detail::JSONTape tape{};
   /// The fast parser's own buffers, or those of the careful one; the other is empty.
   simdjson::dom::document fast;
-  std::vector<std::uint64_t> words;
-  std::vector<std::uint8_t> strings;
+  detail::JSONTapeContent careful;
 };
 
 namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
-
-/// Writes the same form of a document as the fast parser, for what that one refuses: integers beyond 64 bits and
-/// numbers beyond a double's range are legal JSON, and may stand where nobody reads them.
-struct TapeHandler {
-  static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
-  static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
-  using Error = boost::json::error_code;
-  using Text = boost::json::string_view;
-
-  std::vector<std::uint64_t> words;
-  std::vector<std::uint8_t> strings;
-  std::vector<std::size_t> open;
-  std::string partial;
-
-  void push(char letter, std::uint64_t payload) { words.push_back(static_cast<std::uint64_t>(letter) << 56 | payload); }
-
-  bool pushText(char letter, Text rest) {
-    partial.append(rest.data(), rest.size());
-    push(letter, strings.size());
-    const auto length = static_cast<std::uint32_t>(partial.size());
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&length);
-    strings.insert(strings.end(), bytes, bytes + sizeof length);
-    strings.insert(strings.end(), partial.begin(), partial.end());
-    partial.clear();
-    return true;
-  }
-
-  bool pushNumber(Text rest) {
-    partial.append(rest.data(), rest.size());
-    const char* first = partial.data();
-    const char* last = first + partial.size();
-    std::int64_t integer = 0;
-    std::uint64_t natural = 0;
-    if (const auto read = std::from_chars(first, last, integer); read.ec == std::errc() && read.ptr == last) {
-      push('l', 0);
-      words.push_back(std::bit_cast<std::uint64_t>(integer));
-    } else if (const auto wide = std::from_chars(first, last, natural); wide.ec == std::errc() && wide.ptr == last) {
-      push('u', 0);
-      words.push_back(natural);
-    } else if (const double real = std::strtod(partial.c_str(), nullptr); std::isfinite(real)) {
-      push('d', 0);
-      words.push_back(std::bit_cast<std::uint64_t>(real));
-    } else {
-      return pushText('b', {});
-    }
-    partial.clear();
-    return true;
-  }
-
-  bool begin(char letter) {
-    open.push_back(words.size());
-    push(letter, 0);
-    return true;
-  }
-
-  bool end(char letter, std::size_t count) {
-    const std::size_t start = open.back();
-    open.pop_back();
-    push(letter, start);
-    words[start] |= std::uint64_t{std::min<std::size_t>(count, 0xFFFFFF)} << 32 | words.size();
-    return true;
-  }
-
-  bool on_document_begin(Error&) { return true; }
-  bool on_document_end(Error&) { return true; }
-  bool on_object_begin(Error&) { return begin('{'); }
-  bool on_object_end(std::size_t count, Error&) { return end('}', count); }
-  bool on_array_begin(Error&) { return begin('['); }
-  bool on_array_end(std::size_t count, Error&) { return end(']', count); }
-  bool on_key_part(Text part, std::size_t, Error&) { return keep(part); }
-  bool on_key(Text rest, std::size_t, Error&) { return pushText('"', rest); }
-  bool on_string_part(Text part, std::size_t, Error&) { return keep(part); }
-  bool on_string(Text rest, std::size_t, Error&) { return pushText('"', rest); }
-  bool on_number_part(Text part, Error&) { return keep(part); }
-  bool on_int64(std::int64_t, Text rest, Error&) { return pushNumber(rest); }
-  bool on_uint64(std::uint64_t, Text rest, Error&) { return pushNumber(rest); }
-  bool on_double(double, Text rest, Error&) { return pushNumber(rest); }
-  bool on_comment_part(Text, Error&) { return true; }
-  bool on_comment(Text, Error&) { return true; }
-  bool on_bool(bool value, Error&) {
-    push(value ? 't' : 'f', 0);
-    return true;
-  }
-  bool on_null(Error&) {
-    push('n', 0);
-    return true;
-  }
-  bool keep(Text part) {
-    partial.append(part.data(), part.size());
-    return true;
-  }
-};
 
 std::string position(std::string_view text, std::size_t offset) {
   std::size_t line = 1;
@@ -154,21 +59,14 @@ std::expected<JSONDocument, JSONSyntaxError> JSONDocument::parse(std::string_vie
     return JSONDocument(std::move(storage));
   }
 
-  boost::json::parse_options options;
-  options.max_depth = kMaximumDepth;
-  boost::json::basic_parser<TapeHandler> careful(options);
-  careful.handler().push('r', 0);
-  boost::json::error_code error;
-  const std::size_t consumed = careful.write_some(false, text.data(), text.size(), error);
-  if (!error && consumed < text.size()) error = boost::json::make_error_code(boost::json::error::extra_data);
-  if (error) {
-    return std::unexpected(JSONSyntaxError{"the text is no JSON at " + position(text, std::min(consumed, text.size())) +
-                                           ": " + error.message()});
+  auto careful = detail::parseJSONCarefully(text, kMaximumDepth);
+  if (!careful) {
+    return std::unexpected(JSONSyntaxError{"the text is no JSON at " + position(text, careful.error().offset) + ": " +
+                                           careful.error().reason});
   }
   storage->fast = {};
-  storage->words = std::move(careful.handler().words);
-  storage->strings = std::move(careful.handler().strings);
-  storage->tape = {storage->words.data(), storage->strings.data()};
+  storage->careful = std::move(*careful);
+  storage->tape = {storage->careful.words.data(), storage->careful.strings.data()};
   return JSONDocument(std::move(storage));
 }
 
@@ -197,7 +95,8 @@ std::optional<std::int64_t> JSONValue::integer() const {
   if (letter() == 'l') return std::bit_cast<std::int64_t>(numberBits());
   if (letter() != 'd') return std::nullopt;
   const auto value = std::bit_cast<double>(numberBits());
-  if (std::trunc(value) != value || value < -kTwoTo63 || value >= kTwoTo63) return std::nullopt;
+  // -2^63 as a double is what an integer just below the range was rounded to.
+  if (std::trunc(value) != value || value <= -kTwoTo63 || value >= kTwoTo63) return std::nullopt;
   return static_cast<std::int64_t>(value);
 }
 

@@ -38,6 +38,11 @@ class JSONValue {
  public:
   JSONType type() const;
   bool isNull() const { return letter() == 'n'; }
+  bool isBoolean() const { return letter() == 't' || letter() == 'f'; }
+  bool isNumber() const { return type() == JSONType::number; }
+  bool isString() const { return letter() == '"'; }
+  bool isArray() const { return letter() == '['; }
+  bool isObject() const { return letter() == '{'; }
 
   /// The boolean; only for type boolean.
   bool boolean() const { return letter() == 't'; }
@@ -81,6 +86,10 @@ class JSONValue {
   /// Elements of an array; for an object its keys (as strings) and values by turns. Only for these types.
   Iterator begin() const { return {_tape, _index + 1}; }
   Iterator end() const { return {_tape, behind() - 1}; }
+
+  /// Where the value stands in its document, for a caller that keeps many of them: `at` gives the value back.
+  std::size_t position() const { return _index; }
+  JSONValue at(std::size_t position) const { return {_tape, position}; }
 
   /// The member of an object with that key, the last one if there are several; absent for other types.
   std::optional<JSONValue> member(std::string_view key) const;

@@ -1,6 +1,6 @@
 #include "Platform/Foundation/JSONWriter.hpp"
 
-#include "Platform/Foundation/DateFormatter.hpp"
+#include "Platform/Foundation/DateText.hpp"
 
 #include <unicode/utf8.h>
 
