@@ -126,6 +126,10 @@ std::expected<BotTemplate, std::vector<foundation::DecodingError>> decodeBotTemp
   return foundation::decodeDocument<BotTemplate>(document, options);
 }
 
+foundation::TolerantlyDecoded<BotTemplate> decodeBotTemplateTolerantly(const foundation::JSONDocument& document) {
+  return foundation::decodeTolerantly<BotTemplate>(document);
+}
+
 std::expected<BotTemplate, foundation::DecodingError> decodeBotTemplate(std::string_view text) {
   return foundation::decodeJSON<BotTemplate>(text, {});
 }

@@ -17,4 +17,7 @@ std::expected<BotTemplate, foundation::DecodingError> decodeBotTemplate(std::str
 std::expected<BotTemplate, std::vector<foundation::DecodingError>> decodeBotTemplate(
     const foundation::JSONDocument& document, const foundation::DecodingOptions& options);
 
+/// The sound parts of a template that may have errors, with the errors.
+foundation::TolerantlyDecoded<BotTemplate> decodeBotTemplateTolerantly(const foundation::JSONDocument& document);
+
 }  // namespace kestrom::models

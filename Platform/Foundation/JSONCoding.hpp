@@ -211,6 +211,26 @@ struct Coder<T> {
   }
 };
 
+/// A record and all errors of its document. What an error stands at is left as a new record has it; the rest is sound.
+/// A list of records has a record for each element, the broken ones too.
+template <class T>
+struct TolerantlyDecoded {
+  T record{};
+  std::vector<DecodingError> errors;
+};
+
+/// Decodes what can be decoded of a parsed document.
+template <class T>
+TolerantlyDecoded<T> decodeTolerantly(const JSONDocument& document) {
+  const DecodingOptions options{.collectAllErrors = true};
+  TolerantlyDecoded<T> result;
+  DecodingContext context(options);
+  Coder<T>::decode(result.record, document.root(), context);
+  context.runDeferred();
+  result.errors = std::move(context.errors());
+  return result;
+}
+
 /// Decodes a record from a parsed document. All errors are given where the options ask for them, else the first one.
 template <class T>
 std::expected<T, std::vector<DecodingError>> decodeDocument(const JSONDocument& document,

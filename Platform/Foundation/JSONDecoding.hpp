@@ -42,7 +42,7 @@ struct DecodingOptions {
   Dates dates = Dates::secondsSinceReferenceDate;
   /// The present documents directory, onto which local file addresses in stored texts are moved.
   URL documentsDirectory = URL::fromFilePath("/");
-  /// Go on behind an error, to tell every one of a document. The record is of no use then.
+  /// Go on behind an error, to tell every one of a document, up to `DecodingContext::kMaximumErrors`.
   bool collectAllErrors = false;
 };
 
@@ -51,6 +51,10 @@ struct DecodingOptions {
 /// run still goes through the document depth first. Used by one thread.
 class DecodingContext {
  public:
+  /// Errors that one run collects. Nobody mends more at a time, and a document of nothing but errors would fill the
+  /// memory with their paths.
+  static constexpr std::size_t kMaximumErrors = 10'000;
+
   using DecodeElement = void (*)(void* list, JSONValue element, DecodingContext& context);
 
   explicit DecodingContext(const DecodingOptions& options) : _options(options) { _path.reserve(64); }
@@ -59,7 +63,9 @@ class DecodingContext {
   std::vector<DecodingError>& errors() { return _errors; }
 
   /// True when the rest of the record need not be read any more.
-  bool isStopped() const { return !_errors.empty() && (_attempts > 0 || !_options.collectAllErrors); }
+  bool isStopped() const {
+    return !_errors.empty() && (_attempts > 0 || !_options.collectAllErrors || _errors.size() >= kMaximumErrors);
+  }
 
   /// Notes an error at the present place, or at the member `key` of it.
   void fail(DecodingError::Kind kind, std::string description, std::string_view key = {});

@@ -63,6 +63,9 @@ class JSONValue {
   /// Number of elements of an array or members of an object; only for these types.
   std::size_t size() const;
 
+  /// Where the value stands among all values of its document: what comes later in the text has a greater one.
+  std::size_t position() const { return _index; }
+
   /// Walks the elements of an array or, in steps of a key and a value, the members of an object.
   class Iterator {
    public:
