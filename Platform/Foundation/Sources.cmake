@@ -1,9 +1,15 @@
 set(KESTROM_FOUNDATION_SOURCES
   Base64.cpp
+  Calendar.cpp
   DateText.cpp
+  FatalError.cpp
   JSONCarefulParser.cpp
   JSONCoding.cpp
   JSONDecoding.cpp
   JSONDocument.cpp
   JSONWriter.cpp
-  URL.cpp)
+  ListFormatter.cpp
+  LogSink.cpp
+  Text.cpp
+  URL.cpp
+  UUID.cpp)
