@@ -1,9 +1,14 @@
 #include "Apps/kestrom/ChoiceInput.hpp"
 
+#include "Platform/Foundation/Text.hpp"
+
+#include <algorithm>
 #include <charconv>
 #include <system_error>
 
 namespace kestrom::app {
+
+using foundation::trimmedBlanks;
 
 namespace {
 
@@ -19,10 +24,10 @@ std::optional<std::size_t> optionOfNumber(std::string_view text, std::size_t cou
 }  // namespace
 
 std::optional<ChoiceInput> parseChoice(std::string_view text, std::span<const std::string_view> keys) {
-  text = trimmed(text);
+  text = trimmedBlanks(text);
   const std::size_t blank = text.find_first_of(kBlanks);
   if (const auto option = optionOfNumber(text.substr(0, blank), keys.size())) {
-    return ChoiceInput{*option, trimmed(text.substr(std::min(blank, text.size())))};
+    return ChoiceInput{*option, trimmedBlanks(text.substr(std::min(blank, text.size())))};
   }
   // The longest key that the text begins with: "living room" before "living".
   std::optional<ChoiceInput> best;
@@ -32,15 +37,10 @@ std::optional<ChoiceInput> parseChoice(std::string_view text, std::span<const st
     const bool isFollowed =
         !key.empty() && text.size() > key.size() && text.starts_with(key) && kBlanks.contains(text[key.size()]);
     if (!isWhole && !isFollowed) continue;
-    if (!best || key.size() > keys[best->option].size()) best = ChoiceInput{option, trimmed(text.substr(key.size()))};
+    if (!best || key.size() > keys[best->option].size())
+      best = ChoiceInput{option, trimmedBlanks(text.substr(key.size()))};
   }
   return best;
-}
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 }  // namespace kestrom::app

@@ -22,7 +22,4 @@ struct ChoiceInput {
 /// number; a key may hold blanks. Absent when no option is meant. `keys` are those of the options, in order.
 std::optional<ChoiceInput> parseChoice(std::string_view text, std::span<const std::string_view> keys);
 
-/// `text` without blanks and tabs at both ends.
-std::string_view trimmed(std::string_view text);
-
 }  // namespace kestrom::app
