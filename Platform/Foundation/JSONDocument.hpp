@@ -56,15 +56,12 @@ class JSONValue {
   /// The number as a double, the nearest one. Absent for other types and for what is beyond a double's range.
   std::optional<double> number() const;
 
-  /// The number in decimal form, only for type number: whole numbers below 2^64 without a point, others in the shortest
+  /// The number in decimal form, only for type number: whole numbers below 2^63 without a point, others in the shortest
   /// form that reads back as the same double; what is beyond a double's range as it was written.
   std::string numberText() const;
 
   /// Number of elements of an array or members of an object; only for these types.
   std::size_t size() const;
-
-  /// Where the value stands among all values of its document: what comes later in the text has a greater one.
-  std::size_t position() const { return _index; }
 
   /// Walks the elements of an array or, in steps of a key and a value, the members of an object.
   class Iterator {
