@@ -32,9 +32,9 @@ struct FieldCoding {
   std::string_view key;
   bool isRequired;
   void (*decode)(void* record, JSONValue value, DecodingContext& context);
-  /// Writes key and value; nothing when the value is absent.
-  /// Absent for a member that is only ever read.
+  /// Writes key and value; nothing when the value is absent. Only where `isEncodable`.
   void (*encode)(const void* record, std::string_view key, JSONWriter& writer);
+  bool isEncodable;
 };
 
 /// Decodes the members of a record in the order of its table.
@@ -78,7 +78,7 @@ concept Encodable = requires(const T& value, JSONWriter& writer) { Coder<T>::enc
 
 constexpr bool areEncodable(std::span<const FieldCoding> fields) {
   for (const FieldCoding& field : fields) {
-    if (field.encode == nullptr) return false;
+    if (!field.isEncodable) return false;
   }
   return true;
 }
@@ -90,7 +90,7 @@ constexpr FieldCoding field(std::string_view key) {
   using Record = typename Traits::RecordType;
   using Optional = detail::IsOptional<typename Traits::MemberType>;
   using Content = typename Optional::Content;
-  FieldCoding coding{key, !Optional::value, nullptr, nullptr};
+  FieldCoding coding{key, !Optional::value, nullptr, nullptr, Encodable<Content>};
   coding.decode = [](void* record, JSONValue value, DecodingContext& context) {
     auto& member = static_cast<Record*>(record)->*Member;
     if constexpr (Optional::value) {
