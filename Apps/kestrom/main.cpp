@@ -1,3 +1,4 @@
+#include "Apps/kestrom/PreviewCommand.hpp"
 #include "Apps/kestrom/WalkCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,7 @@
 
 namespace {
 
+using kestrom::app::PreviewArguments;
 using kestrom::app::WalkArguments;
 
 constexpr int kFailed = 1;
@@ -44,14 +46,45 @@ void addWalk(CLI::App& program, WalkArguments& arguments, std::function<int()>& 
   });
 }
 
+void addPreview(CLI::App& program, PreviewArguments& arguments, std::function<int()>& run) {
+  CLI::App* command = program.add_subcommand("preview", "Runs a template as a chat in the terminal, without a server");
+  command->add_option("TEMPLATE", arguments.templateFile, "The template's JSON")->required();
+  command->add_option("--case", arguments.caseFile, "JSON object of a case, from which placeholders are filled");
+  command->add_option("--answers", arguments.answersFile,
+                      "The device's answers file: answers are read from it and kept in it, so that a preview resumes");
+  command->add_option("--script", arguments.scriptFile, "Answers, one a line; runs unattended");
+  command->add_option("--documents", arguments.documentsDirectory, kDocumentsHelp);
+  command->footer(
+      "Answers:\n"
+      "  a choice      its number or its key (the number counts where both are possible)\n"
+      "  choices       numbers or keys, separated by commas, in the order of choosing\n"
+      "  a capture     the choice, a blank and the path of the media file; for a panorama or a mesh scan the paths of\n"
+      "                a .tar file and an image, separated by a blank\n"
+      "  a location    the choice, a blank and the address\n"
+      "  anything else as it is asked for\n"
+      "Commands:\n"
+      "  /edit         the next answer replaces the last one, if that can be edited\n"
+      "  /state        progress, pending node, module, iteration\n"
+      "  /quit         ends; what was answered stays in the answers file\n"
+      "In a script blank lines and lines that start with # are passed over.");
+  command->callback([&arguments, &run] {
+    requireOneStandardInput({arguments.templateFile, arguments.caseFile, arguments.scriptFile.value_or("-")});
+    if (arguments.answersFile == "-")
+      throw CLI::ValidationError("--answers", "the answers are kept in a file; - is none");
+    run = [&arguments] { return kestrom::app::runPreview(arguments, std::cin, std::cout, std::cerr); };
+  });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   CLI::App program{"The kit on the command line: runs, scripts and checks what an app would embed", "kestrom"};
   program.require_subcommand(1);
   WalkArguments walk;
+  PreviewArguments preview;
   std::function<int()> run;
   addWalk(program, walk, run);
+  addPreview(program, preview, run);
 
   try {
     program.parse(argc, argv);
