@@ -14,26 +14,18 @@ namespace {
 
 /// What answers when the option was tapped, by the node's type.
 std::vector<std::vector<std::string>> answersBehind(const Option& option, const BotNode& node) {
-  const bool opensCapture = option.showCamera.value_or(true);
+  // The address has the node's key at first, and none once it was read back from the history.
+  if (node.type == Type::location) return {{node.key}, {""}};
+  if (!opensCamera(node.type) || !option.showCamera.value_or(true)) return {{option.key}};
   switch (node.type) {
-    case Type::photo:
-    case Type::video:
-      if (opensCapture) return {{node.key}};
-      break;
     case Type::fnol:
-      if (opensCapture) return {{"mediaUrl"}};
-      break;
+      return {{"mediaUrl"}};
     case Type::panorama:
     case Type::meshscan:
-      if (opensCapture) return {{"mediaUrl", "thumbnailUrl"}};
-      break;
-    case Type::location:
-      // The address has the node's key at first, and none once it was read back from the history.
-      return {{node.key}, {""}};
+      return {{"mediaUrl", "thumbnailUrl"}};
     default:
-      break;
+      return {{node.key}};
   }
-  return {{option.key}};
 }
 
 }  // namespace
@@ -53,6 +45,11 @@ AnswerForm answerFormOf(const BotNode& node) {
     default:
       return AnswerForm::singleChoice;
   }
+}
+
+bool opensCamera(Type type) {
+  return type == Type::photo || type == Type::video || type == Type::panorama || type == Type::fnol ||
+         type == Type::meshscan;
 }
 
 bool asksForChoice(const BotNode& node) {

@@ -8,6 +8,9 @@
 
 namespace kestrom::app {
 
+/// Lower bound of a year without "minValue".
+inline constexpr std::int64_t kEarliestYear = 1800;
+
 /// How the chat takes the answer to a node.
 enum class AnswerForm : std::uint8_t {
   none,            ///< nothing is shown, so that nobody can answer
@@ -18,6 +21,9 @@ enum class AnswerForm : std::uint8_t {
 };
 
 AnswerForm answerFormOf(const models::BotNode& node);
+
+/// Whether an option of such a node opens a capture, unless it declines. A location opens the address page instead.
+bool opensCamera(models::ConversationDTO::MessageDTO::MessageTypeDTO type);
 
 /// Whether the chat offers the node's options; without any, the question then has no answer.
 bool asksForChoice(const models::BotNode& node);

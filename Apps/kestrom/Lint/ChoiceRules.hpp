@@ -3,10 +3,12 @@
 #include "Apps/kestrom/Lint/LintReport.hpp"
 #include "Apps/kestrom/Lint/TemplateVisit.hpp"
 
+#include <cstdint>
+
 namespace kestrom::app {
 
-/// The rules on what a question offers and accepts: choice-without-options, inverted-value-range, inverted-length-range,
-/// menu-key-mismatch, duplicate-arm-key.
-void checkChoices(const TemplateVisit& visit, LintReport& report);
+/// The rules on what a question offers and accepts: choice-without-options, capture-without-camera,
+/// duplicate-option-key, inverted-value-range, inverted-length-range.
+void checkChoices(const TemplateVisit& visit, std::int64_t presentYear, LintReport& report);
 
 }  // namespace kestrom::app

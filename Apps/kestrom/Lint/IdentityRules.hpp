@@ -5,6 +5,7 @@
 
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace kestrom::app {
 
@@ -14,12 +15,13 @@ class IdentityRules {
   void check(const TemplateVisit& visit, LintReport& report);
 
  private:
-  struct FirstUse {
+  struct Use {
     Place place;
     NodeKind kind;
   };
 
-  std::unordered_map<std::string_view, FirstUse> _firstUses;
+  /// The uses of an identity of which at most one is reached; the first one alone where it stands once.
+  std::unordered_map<std::string_view, std::vector<Use>> _uses;
 };
 
 }  // namespace kestrom::app

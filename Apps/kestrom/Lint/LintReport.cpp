@@ -11,12 +11,12 @@ std::string_view nameOf(Severity severity) {
   return severity == Severity::error ? "error" : "warning";
 }
 
-void LintReport::add(const rules::Rule& rule, const Place& place, std::string text) {
+void LintReport::add(const rules::Rule& rule, Severity severity, const Place& place, std::string text) {
   if (_entries.size() == kMaximumFindings) {
     _isCut = true;
     return;
   }
-  _entries.push_back({place.value().position(), {place.path(), rule.severity, rule.name, std::move(text)}});
+  _entries.push_back({place.value().position(), {place.path(), severity, rule.name, std::move(text)}});
 }
 
 std::vector<Finding> LintReport::inDocumentOrder() && {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kestrom::app {
@@ -17,7 +18,11 @@ class LintReport {
   /// Findings of one document that are kept. Nobody reads more, and their paths are long in a hostile one.
   static constexpr std::size_t kMaximumFindings = 10'000;
 
-  void add(const rules::Rule& rule, const Place& place, std::string text);
+  void add(const rules::Rule& rule, const Place& place, std::string text) {
+    add(rule, rule.severity, place, std::move(text));
+  }
+  /// The same for a case of the rule that is of another severity.
+  void add(const rules::Rule& rule, Severity severity, const Place& place, std::string text);
 
   /// Whether there were more findings than are kept.
   bool isCut() const { return _isCut; }

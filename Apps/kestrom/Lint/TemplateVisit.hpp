@@ -16,6 +16,9 @@ enum class NodeKind : std::uint8_t { sequence, menu, branching, leaf };
 
 NodeKind kindOf(const models::BotNode& node);
 
+/// Whether what the node holds is walked more than once when its gate says so.
+bool isRepeating(const models::BotNode& node);
+
 /// A list that the walk goes through for a node: its children, or those of one of its arms.
 struct WalkedList {
   const models::NodeList* nodes;
@@ -28,6 +31,8 @@ struct TemplateVisit {
   Place place;
   NodeKind kind;
   bool isTopLevel;
+  /// Some list around the node repeats.
+  bool isInRepeat;
   /// Lists that the walk reads for this node, in the document's order.
   std::vector<WalkedList> lists;
 };
