@@ -1,3 +1,4 @@
+#include "Apps/kestrom/Lint/LintCommand.hpp"
 #include "Apps/kestrom/PreviewCommand.hpp"
 #include "Apps/kestrom/WalkCommand.hpp"
 
@@ -12,6 +13,7 @@
 
 namespace {
 
+using kestrom::app::LintArguments;
 using kestrom::app::PreviewArguments;
 using kestrom::app::WalkArguments;
 
@@ -44,6 +46,15 @@ void addWalk(CLI::App& program, WalkArguments& arguments, std::function<int()>& 
     if (arguments.now && !std::isfinite(*arguments.now)) throw CLI::ValidationError("--now", "no point in time");
     run = [&arguments] { return kestrom::app::runWalk(arguments, std::cin, std::cout, std::cerr); };
   });
+}
+
+void addLint(CLI::App& program, LintArguments& arguments, std::function<int()>& run) {
+  CLI::App* command = program.add_subcommand("lint", "Checks templates before they are published");
+  command->add_option("TEMPLATE", arguments.templates, "Templates to check")->required();
+  command->add_option("--case", arguments.caseFile, "JSON object of a case, against which placeholders are checked");
+  command->add_flag("--json", arguments.json, "Prints one JSON object a finding");
+  command->callback(
+      [&arguments, &run] { run = [&arguments] { return kestrom::app::runLint(arguments, std::cout, std::cerr); }; });
 }
 
 void addPreview(CLI::App& program, PreviewArguments& arguments, std::function<int()>& run) {
@@ -81,9 +92,11 @@ int main(int argc, char** argv) {
   CLI::App program{"The kit on the command line: runs, scripts and checks what an app would embed", "kestrom"};
   program.require_subcommand(1);
   WalkArguments walk;
+  LintArguments lint;
   PreviewArguments preview;
   std::function<int()> run;
   addWalk(program, walk, run);
+  addLint(program, lint, run);
   addPreview(program, preview, run);
 
   try {
