@@ -32,9 +32,12 @@ struct FieldCoding {
   std::string_view key;
   bool isRequired;
   void (*decode)(void* record, JSONValue value, DecodingContext& context);
-  /// Writes key and value; nothing when the value is absent. Only where `isEncodable`.
+  /// Writes key and value; nothing when the value is absent.
+  /// Absent for a member that is only ever read.
   void (*encode)(const void* record, std::string_view key, JSONWriter& writer);
-  bool isEncodable;
+  /// Whether `encode` is there. Apart from it, because under the sanitizers g++ 12 compares no pointer to a function in a
+  /// constant expression.
+  bool isEncodable = false;
 };
 
 /// Decodes the members of a record in the order of its table.
@@ -90,7 +93,7 @@ constexpr FieldCoding field(std::string_view key) {
   using Record = typename Traits::RecordType;
   using Optional = detail::IsOptional<typename Traits::MemberType>;
   using Content = typename Optional::Content;
-  FieldCoding coding{key, !Optional::value, nullptr, nullptr, Encodable<Content>};
+  FieldCoding coding{key, !Optional::value, nullptr, nullptr};
   coding.decode = [](void* record, JSONValue value, DecodingContext& context) {
     auto& member = static_cast<Record*>(record)->*Member;
     if constexpr (Optional::value) {
@@ -100,6 +103,7 @@ constexpr FieldCoding field(std::string_view key) {
     }
   };
   if constexpr (Encodable<Content>) {
+    coding.isEncodable = true;
     coding.encode = [](const void* record, std::string_view name, JSONWriter& writer) {
       const auto& member = static_cast<const Record*>(record)->*Member;
       if constexpr (Optional::value) {
