@@ -31,7 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // A number beyond a double's range sends the same text down the careful road.
   const auto careful = JSONDocument::parse("[" + text + ",1e999]");
   if (!document) {
-    require(!nlohmann::json::accept(text) || document.error().description.find("nest deeper") != std::string::npos);
+    // The peer takes a NUL byte for the end of the text.
+    require(text.contains('\0') || !nlohmann::json::accept(text) ||
+            document.error().description.find("nest deeper") != std::string::npos);
     return 0;
   }
   const std::string once = rendered(*document);

@@ -1,4 +1,5 @@
-// Any bytes as a template and as the answers to it: decoded, walked, and told in rows of JSON, or refused with a reason.
+// Any bytes as a template and as the answers to it: decoded, walked, and told in rows of JSON, or refused with a
+// reason.
 
 #include "Core/Models/BotTemplateCoding.hpp"
 #include "Core/Services/Bot/NativeBotEngine.hpp"

@@ -56,7 +56,7 @@ class JSONValue {
   /// The number as a double, the nearest one. Absent for other types and for what is beyond a double's range.
   std::optional<double> number() const;
 
-  /// The number in decimal form, only for type number: whole numbers below 2^64 without a point, others in the shortest
+  /// The number in decimal form, only for type number: whole numbers below 2^63 without a point, others in the shortest
   /// form that reads back as the same double; what is beyond a double's range as it was written.
   std::string numberText() const;
 

@@ -1,6 +1,8 @@
 set(KESTROM_BOT_SOURCES
   Bot/AnswerIndex.cpp
   Bot/ConditionalEvaluation.cpp
+  Bot/ConversationConversion.cpp
+  Bot/HandleBarParser.cpp
   Bot/NativeBotEngine.cpp
   Bot/TemplateWalk.cpp
   Bot/Transcript.cpp
