@@ -106,7 +106,7 @@ TEST(GuardLint, TriesAllSelectionsOfAMultipleChoice) {
       {"many: no number among them", selection(many, {when("greaterThan", "78")}), kFirstDead},
       {"many: what can be",
        selection(many, {when("equal", "'g;a;77'"), when("contains", "'a;b'"),
-                        when("contains", "'a'") + "," + when("contains", "'b'"), when("equal", "77"),
+                        when("contains", "'c'") + "," + when("contains", "'d'"), when("equal", "77"),
                         when("lessThan", "'a'"), when("notEqual", "'a'")}),
        {}},
   });
@@ -158,6 +158,9 @@ TEST(GuardLint, JudgesTextsOnlyWhereEveryTextTellsTheSame) {
       {"the same twice", typed({when("contains", "'a'"), when("contains", "'a'")}), kSecondDead},
       {"nothing sorts before nothing", typed({when("lessThan", "''")}), kFirstDead},
       {"every text has the empty part", typed({when("contains", "''"), when("equal", "'a'")}), kFirstShadows},
+      {"nan is no other number, but not equal to one",
+       typed({when("equal", "5"), when("lessThan", "5"), when("greaterThan", "5"), when("notEqual", "5")}),
+       {}},
       {"a number or not", typed({when("equal", "5"), when("notEqual", "5"), ""}), {}},
   });
 }

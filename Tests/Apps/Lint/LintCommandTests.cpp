@@ -120,7 +120,7 @@ TEST(LintCommand, GoesOnBehindWhatCannotBeRead) {
   const ScratchFile list("lint-list.json", "[]");
   const Outcome noObject = run({{sound.path()}, list.path(), false});
   EXPECT_EQ(noObject.status, 1);
-  EXPECT_EQ(noObject.err, list.path() + ": a case is a JSON object\n");
+  EXPECT_EQ(noObject.err, list.path() + ": a case is an object\n");
 }
 
 TEST(LintCommand, StandsHostileDocumentsOnASmallStack) {
