@@ -235,7 +235,7 @@ void checkCases(const TemplateVisit& visit, LintReport& report) {
 }  // namespace
 
 void checkGuards(const TemplateVisit& visit, std::int64_t presentYear, LintReport& report) {
-  if (visit.kind != NodeKind::branching) return;
+  if (visit.kind != NodeKind::branching || visit.node.branches->empty()) return;
   checkCases(visit, report);
 
   // A question that nobody can answer is told as such.

@@ -1,17 +1,16 @@
 #include "Apps/kestrom/Lint/LintCommand.hpp"
 
+#include "Apps/kestrom/InputDocuments.hpp"
 #include "Apps/kestrom/Lint/TemplateLinter.hpp"
+#include "Apps/kestrom/LocalFiles.hpp"
 #include "Apps/kestrom/PrintableText.hpp"
 #include "Platform/Foundation/Calendar.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
 #include "Platform/Foundation/JSONWriter.hpp"
 
-#include <algorithm>
 #include <chrono>
-#include <cstddef>
-#include <expected>
-#include <fstream>
-#include <ostream>
+#include <iostream>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -25,25 +24,6 @@ namespace {
 std::int64_t presentYear() {
   const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
   return foundation::calendarYear(foundation::Date::fromSecondsSince1970(since1970.count()));
-}
-
-std::expected<std::string, std::string> readFile(const std::string& name) {
-  std::ifstream file(name, std::ios::binary);
-  // One byte beyond the limit is enough for the parser to refuse the whole.
-  std::string content(JSONDocument::kMaximumSize + 1, '\0');
-  file.read(content.data(), static_cast<std::streamsize>(content.size()));
-  if (!file.is_open() || file.bad()) return std::unexpected("the file cannot be read");
-  content.resize(static_cast<std::size_t>(file.gcount()));
-  return content;
-}
-
-std::expected<JSONDocument, std::string> readCase(const std::string& name) {
-  const auto text = readFile(name);
-  if (!text) return std::unexpected(text.error());
-  auto document = JSONDocument::parse(*text);
-  if (!document) return std::unexpected(std::move(document.error().description));
-  if (!document->root().isObject()) return std::unexpected("a case is a JSON object");
-  return std::move(*document);
 }
 
 void printLine(const std::string& file, const Finding& finding, std::ostream& out) {
@@ -78,19 +58,20 @@ int runLint(const LintArguments& arguments, std::ostream& out, std::ostream& err
   };
   LintOptions options;
   options.presentYear = presentYear();
-  std::optional<JSONDocument> caseDocument;
+  std::shared_ptr<const JSONDocument> caseDocument;
   if (arguments.caseFile) {
-    auto document = readCase(*arguments.caseFile);
+    auto document = loadCase(*arguments.caseFile, std::cin);
     if (!document) {
-      complain(*arguments.caseFile, document.error());
+      err << document.error() << '\n';
       return 1;
     }
-    options.caseObject = caseDocument.emplace(std::move(*document)).root();
+    caseDocument = std::move(*document);
+    options.caseObject = caseDocument->root();
   }
 
   bool hasFailed = false;
   for (const std::string& name : arguments.templates) {
-    const auto text = readFile(name);
+    const auto text = readFile(name, JSONDocument::kMaximumSize);
     if (!text) {
       complain(name, text.error());
       hasFailed = true;

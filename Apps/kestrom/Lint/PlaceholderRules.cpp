@@ -1,12 +1,10 @@
 #include "Apps/kestrom/Lint/PlaceholderRules.hpp"
 
 #include "Apps/kestrom/Lint/AnswerForms.hpp"
-#include "Platform/Foundation/Text.hpp"
+#include "Core/Services/Bot/PlaceholderFinder.hpp"
 
-#include <algorithm>
-#include <array>
+#include <cstddef>
 #include <string>
-#include <vector>
 
 namespace kestrom::app {
 
@@ -15,63 +13,41 @@ using foundation::JSONValue;
 namespace {
 
 constexpr std::string_view kOpen = "{{";
-constexpr std::string_view kClose = "}}";
-
-/// Offset of the first line break from `from` on, or the end: a placeholder does not go beyond it.
-std::size_t lineEnd(std::string_view text, std::size_t from) {
-  constexpr std::array<std::string_view, 7> kBreaks{"\n", "\v", "\f", "\r", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"};
-  std::size_t end = text.size();
-  for (const std::string_view lineBreak : kBreaks) end = std::min(end, text.find(lineBreak, from));
-  return end;
-}
-
-/// The pieces of a path behind the first one, which names the case itself; absent when there is none behind it.
-std::optional<std::vector<std::string_view>> piecesBelowCase(std::string_view path) {
-  std::vector<std::string_view> pieces;
-  while (!path.empty()) {
-    const std::size_t length = std::min(path.find('.'), path.size());
-    if (length > 0) pieces.push_back(path.substr(0, length));
-    path.remove_prefix(std::min(length + 1, path.size()));
-  }
-  if (pieces.size() < 2) return std::nullopt;
-  pieces.erase(pieces.begin());
-  return pieces;
-}
 
 }  // namespace
 
 void PlaceholderRules::checkPath(std::string_view path, const Place& place, LintReport& report) const {
-  const auto pieces = piecesBelowCase(path);
-  if (!pieces) {
+  std::string_view rest = path;
+  services::takePathPiece(rest);
+  auto piece = services::takePathPiece(rest);
+  if (!piece) {
     report.add(rules::kWholeCasePlaceholder, place,
                "the first piece of a placeholder names the case itself, and " + quoted(path) +
                    " has nothing behind it: the whole case is printed here");
     return;
   }
+  if (!_case) return;
   std::optional<JSONValue> value = _case;
-  for (const std::string_view piece : *pieces) {
-    if (value) value = value->member(piece);
-  }
-  if (!_case || value) return;
+  for (; piece && value; piece = services::takePathPiece(rest)) value = value->member(*piece);
+  if (value) return;
   report.add(rules::kUnresolvedPlaceholder, place,
              "the case has nothing at " + quoted(path) + ": the placeholder stays in the text, braces and all");
 }
 
 void PlaceholderRules::checkText(std::string_view text, const Place& place, LintReport& report) const {
-  for (std::size_t open = text.find(kOpen); open != std::string_view::npos;) {
-    std::size_t begin = open + kOpen.size();
-    if (text.substr(begin).starts_with('{')) ++begin;
-    const std::size_t end = lineEnd(text, open);
-    const std::size_t close = text.find(kClose, begin);
-    if (close >= end) {
+  services::PlaceholderFinder finder(text);
+  std::size_t at = 0;
+  while (true) {
+    const auto placeholder = finder.next();
+    const std::string_view between = text.substr(at, placeholder ? placeholder->start - at : std::string_view::npos);
+    if (between.contains(kOpen)) {
       report.add(rules::kUnfilledPlaceholder, place,
                  "a placeholder is opened by two braces and not closed by two on the same line: it is shown as it "
                  "stands, and never filled");
-      open = text.find(kOpen, end);
-      continue;
     }
-    checkPath(foundation::trimmedBlanks(text.substr(begin, close - begin)), place, report);
-    open = text.find(kOpen, close + kClose.size());
+    if (!placeholder) return;
+    checkPath(placeholder->path, place, report);
+    at = placeholder->end;
   }
 }
 
