@@ -85,7 +85,7 @@ class PairingSide final : public Subscriber<Value, Failure> {
  public:
   explicit PairingSide(Ref<PairingType> pairing) : _pairing(std::move(pairing)) {}
 
-  void receive(Value&& value) override { _pairing->template receive<kSide>(std::move(value)); }
+  void receive(Passed<Value> value) override { _pairing->template receive<kSide>(std::move(value)); }
   void finish(Completion<Failure>&& completion) override { _pairing->template finish<kSide>(std::move(completion)); }
 
  private:

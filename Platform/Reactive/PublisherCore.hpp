@@ -229,7 +229,7 @@ class Sink final : public Subscriber<Output, Failure> {
   Sink(Ref<Scope> scope, OnCompletion onCompletion, OnValue onValue)
       : _scope(std::move(scope)), _onCompletion(std::move(onCompletion)), _onValue(std::move(onValue)) {}
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     _scope->whileNotCancelled([&] { _onValue(std::move(value)); });
   }
 
