@@ -47,6 +47,12 @@ class [[nodiscard]] AnyCancellable {
 /// The tokens that an object holds: they end with it. Used by one thread. Forgets by itself what is done.
 class Cancellables {
  public:
+  Cancellables() = default;
+  Cancellables(const Cancellables&) = delete;
+  Cancellables& operator=(const Cancellables&) = delete;
+  /// What cancelling stores here meanwhile ends too.
+  ~Cancellables();
+
   void store(AnyCancellable cancellable);
   void cancelAll();
   /// Those that still run.
