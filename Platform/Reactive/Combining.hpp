@@ -20,7 +20,7 @@ Publisher<Output, Failure> mergeMany(std::vector<Publisher<Output, Failure>> pub
             makeRef<detail::Joint<Output, Failure>>(std::move(downstream), Scope::makeChild(scope), publishers.size());
         for (const auto& publisher : publishers) {
           if (joint->scope()->isCancelled()) return;
-          publisher.subscribe(makeRef<detail::JointPart<Output, Failure, Failure>>(joint), joint->scope());
+          detail::JointPart<Output, Failure, Failure>::subscribe(publisher, joint);
         }
       });
 }

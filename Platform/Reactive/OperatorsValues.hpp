@@ -182,17 +182,27 @@ class Joint : public RefCounted {
   std::size_t _running;
 };
 
-/// One of the streams that come together.
+/// One of the streams that come together. Its scope ends with it: what it left there must not stay as long as the
+/// whole.
 template <class Output, class PartFailure, class Failure>
 class JointPart final : public Subscriber<Output, PartFailure> {
  public:
-  explicit JointPart(Ref<Joint<Output, Failure>> joint) : _joint(std::move(joint)) {}
+  JointPart(Ref<Joint<Output, Failure>> joint, Ref<Scope> scope) : _joint(std::move(joint)), _scope(std::move(scope)) {}
+
+  static void subscribe(const Publisher<Output, PartFailure>& part, const Ref<Joint<Output, Failure>>& joint) {
+    const Ref<Scope> scope = Scope::makeChild(joint->scope());
+    part.subscribe(makeRef<JointPart>(joint, scope), scope);
+  }
 
   void receive(Passed<Output> value) override { _joint->receive(std::move(value)); }
-  void finish(Completion<PartFailure>&& completion) override { _joint->finish(std::move(completion)); }
+  void finish(Completion<PartFailure>&& completion) override {
+    _scope->finish();
+    _joint->finish(std::move(completion));
+  }
 
  private:
   Ref<Joint<Output, Failure>> _joint;
+  Ref<Scope> _scope;
 };
 
 template <class Input, class InputFailure, class Output, class Failure, class F>
@@ -206,7 +216,7 @@ class FlatMapOperator final : public Subscriber<Input, InputFailure> {
     const auto inner = _function(std::move(value));
     using InnerFailure = typename PublisherTraits<std::remove_cvref_t<decltype(inner)>>::Failure;
     _joint->begin();
-    inner.subscribe(makeRef<JointPart<Output, InnerFailure, Failure>>(_joint), _joint->scope());
+    JointPart<Output, InnerFailure, Failure>::subscribe(inner, _joint);
   }
   void finish(Completion<InputFailure>&& completion) override { _joint->finish(std::move(completion)); }
 
@@ -290,26 +300,31 @@ template <class O, class F>
 Publisher<O, F> Publisher<O, F>::handleEvents(EventHandlers<O, F> handlers) const {
   class Handling final : public detail::Operator<O, F, O, F> {
    public:
-    Handling(Ref<Subscriber<O, F>> downstream, EventHandlers<O, F> events)
-        : detail::Operator<O, F, O, F>(std::move(downstream)), _events(std::move(events)) {}
+    Handling(Ref<Subscriber<O, F>> downstream, EventHandlers<O, F> events, Ref<Scope> scope)
+        : detail::Operator<O, F, O, F>(std::move(downstream)), _events(std::move(events)), _scope(std::move(scope)) {
+      if (_events.onCancel) _cancelId = _scope->add(_events.onCancel);
+    }
 
     void receive(Passed<O> value) override {
       if (_events.onOutput) _events.onOutput(value);
       this->_downstream->receive(std::move(value));
     }
     void finish(Completion<F>&& completion) override {
+      // The chain may go on without this part of it.
+      _scope->remove(_cancelId);
       if (_events.onCompletion) _events.onCompletion(completion);
       this->_downstream->finish(std::move(completion));
     }
 
    private:
     EventHandlers<O, F> _events;
+    Ref<Scope> _scope;
+    Scope::TeardownId _cancelId = 0;
   };
   return detail::lift<O, F>(
       *this, [handlers = std::move(handlers)](Ref<Subscriber<O, F>> downstream, const Ref<Scope>& scope) {
         if (handlers.onSubscribe) handlers.onSubscribe();
-        if (handlers.onCancel) scope->add(handlers.onCancel);
-        return makeRef<Handling>(std::move(downstream), handlers);
+        return makeRef<Handling>(std::move(downstream), handlers, scope);
       });
 }
 
