@@ -10,6 +10,7 @@ set(KESTROM_FOUNDATION_SOURCES
   JSONWriter.cpp
   ListFormatter.cpp
   LogSink.cpp
+  NotificationCenter.cpp
   Text.cpp
   URL.cpp
   UUID.cpp)
