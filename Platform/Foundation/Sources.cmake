@@ -11,6 +11,8 @@ set(KESTROM_FOUNDATION_SOURCES
   ListFormatter.cpp
   LogSink.cpp
   NotificationCenter.cpp
+  PercentEncoding.cpp
   Text.cpp
   URL.cpp
+  URLComponents.cpp
   UUID.cpp)
