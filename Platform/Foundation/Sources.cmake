@@ -1,6 +1,7 @@
 set(KESTROM_FOUNDATION_SOURCES
   Base64.cpp
   Calendar.cpp
+  DateFormatter.cpp
   DateText.cpp
   FatalError.cpp
   JSONCarefulParser.cpp
