@@ -4,6 +4,7 @@ set(KESTROM_FOUNDATION_SOURCES
   DateFormatter.cpp
   DateText.cpp
   FatalError.cpp
+  FileStreams.cpp
   JSONCarefulParser.cpp
   JSONCoding.cpp
   JSONDecoding.cpp
@@ -13,6 +14,8 @@ set(KESTROM_FOUNDATION_SOURCES
   LogSink.cpp
   NotificationCenter.cpp
   PercentEncoding.cpp
+  PosixFile.cpp
+  PosixFileManager.cpp
   Text.cpp
   URL.cpp
   URLComponents.cpp
