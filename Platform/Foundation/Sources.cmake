@@ -1,8 +1,10 @@
 set(KESTROM_FOUNDATION_SOURCES
   Base64.cpp
   Calendar.cpp
+  DateFormatter.cpp
   DateText.cpp
   FatalError.cpp
+  FileStreams.cpp
   JSONCarefulParser.cpp
   JSONCoding.cpp
   JSONDecoding.cpp
@@ -10,6 +12,11 @@ set(KESTROM_FOUNDATION_SOURCES
   JSONWriter.cpp
   ListFormatter.cpp
   LogSink.cpp
+  NotificationCenter.cpp
+  PercentEncoding.cpp
+  PosixFile.cpp
+  PosixFileManager.cpp
   Text.cpp
   URL.cpp
+  URLComponents.cpp
   UUID.cpp)

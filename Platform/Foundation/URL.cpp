@@ -1,52 +1,17 @@
 #include "Platform/Foundation/URL.hpp"
 
+#include "Platform/Foundation/PercentEncoding.hpp"
+
 #include <boost/url/parse.hpp>
 #include <boost/url/url_view.hpp>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace kestrom::foundation {
 
 namespace {
-
-bool isUnreservedInSegment(char c) {
-  constexpr std::string_view kOthers = "-._~!$&'()*+,;=:@";
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         kOthers.find(c) != std::string_view::npos;
-}
-
-std::string percentEncoded(std::string_view text, bool keepsSlashes) {
-  constexpr std::string_view kHex = "0123456789ABCDEF";
-  std::string encoded;
-  encoded.reserve(text.size());
-  for (const char c : text) {
-    if (isUnreservedInSegment(c) || (keepsSlashes && c == '/')) {
-      encoded += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      encoded += '%';
-      encoded += kHex[byte >> 4];
-      encoded += kHex[byte & 15];
-    }
-  }
-  return encoded;
-}
-
-/// Only for text that is known to parse: every escape in it is whole.
-std::string percentDecoded(std::string_view text) {
-  const auto digit = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
-  std::string decoded;
-  decoded.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '%') {
-      decoded += static_cast<char>(digit(text[at + 1]) << 4 | digit(text[at + 2]));
-      at += 2;
-    } else {
-      decoded += text[at];
-    }
-  }
-  return decoded;
-}
 
 std::string_view encodedPath(const std::string& text) {
   const auto parsed = boost::urls::parse_uri_reference(text);
@@ -75,7 +40,14 @@ std::optional<URL> URL::parse(std::string_view text) {
 }
 
 URL URL::fromFilePath(std::string_view path) {
-  return URL("file://" + percentEncoded(path, true));
+  std::string text = "file://";
+  if (!path.starts_with('/')) {
+    // Otherwise the path's first component would stand where a URL has its host.
+    std::error_code error;
+    text += percentEncoded(std::filesystem::current_path(error).native(), kPathCharacters);
+    if (!text.ends_with('/')) text += '/';
+  }
+  return URL(text + percentEncoded(path, kPathCharacters));
 }
 
 std::string_view URL::scheme() const {
@@ -103,9 +75,10 @@ URL URL::appendingPathComponent(std::string_view component) const {
   const std::string_view path = encodedPath(_text);
   const auto pathEnd = static_cast<std::size_t>(path.data() - _text.data()) + path.size();
   const std::string_view name = component == "/" ? std::string_view{} : component;
-  std::string text = _text.substr(0, pathEnd);
-  if (!path.ends_with('/')) text += '/';
-  text += percentEncoded(name, false);
+  const std::string_view kept = withoutTrailingSlashes(path);
+  std::string text = _text.substr(0, pathEnd - (path.size() - kept.size()));
+  if (kept != "/") text += '/';
+  text += percentEncoded(name, kPathSegmentCharacters);
   text.append(_text, pathEnd);
   return URL(std::move(text));
 }
