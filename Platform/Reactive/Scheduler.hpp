@@ -22,7 +22,7 @@ using TimePoint = SchedulerClock::time_point;
 using Work = std::move_only_function<void()>;
 
 /// Runs work later, one piece after the other: in the order of the due times, of equal ones in the order of their
-/// scheduling. All members may be called from any thread. Outlives whatever is scheduled on it.
+/// scheduling. All members may be called from any thread. Outlives whatever is scheduled on it and whoever schedules.
 class Scheduler {
  public:
   virtual ~Scheduler() = default;
