@@ -197,16 +197,15 @@ TEST(QueueThreads, AFutureResolvedElsewhereArrivesOnTheMainQueue) {
     SerialQueue network("network");
     const std::thread::id here = std::this_thread::get_id();
     std::optional<int> received;
-    const AnyCancellable token = future<int, std::string>([&](const Promise<int, std::string>& promise) {
-                                   network.schedule([promise] { promise(7); });
-                                 })
-                                     .map([](int value) { return value * 6; })
-                                     .receiveOn(main)
-                                     .sink([&](const Completion<std::string>&) { main.stop(); },
-                                           [&](int value) {
-                                             EXPECT_EQ(std::this_thread::get_id(), here);
-                                             received = value;
-                                           });
+    const AnyCancellable token =
+        future<int, Never>([&](const Promise<int, Never>& promise) { network.schedule([promise] { promise(7); }); })
+            .map([](int value) { return value * 6; })
+            .receiveOn(main)
+            .sink([&](const Completion<Never>&) { main.stop(); },
+                  [&](int value) {
+                    EXPECT_EQ(std::this_thread::get_id(), here);
+                    received = value;
+                  });
     main.run();
     EXPECT_EQ(received, 42);
   }
