@@ -84,7 +84,8 @@ class JSONValue {
   Iterator begin() const { return {_tape, _index + 1}; }
   Iterator end() const { return {_tape, behind() - 1}; }
 
-  /// Where the value stands in its document, for a caller that keeps many of them: `at` gives the value back.
+  /// Where the value stands in its document, for a caller that keeps many of them: `at` gives the value back. What
+  /// comes later in the text has a greater one.
   std::size_t position() const { return _index; }
   JSONValue at(std::size_t position) const { return {_tape, position}; }
 

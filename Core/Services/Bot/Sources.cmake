@@ -4,6 +4,7 @@ set(KESTROM_BOT_SOURCES
   Bot/ConversationConversion.cpp
   Bot/HandleBarParser.cpp
   Bot/NativeBotEngine.cpp
+  Bot/PlaceholderFinder.cpp
   Bot/TemplateWalk.cpp
   Bot/Transcript.cpp
 )

@@ -1,0 +1,27 @@
+#include "Apps/kestrom/Composition.hpp"
+
+#include "Platform/Foundation/Calendar.hpp"
+#include "Platform/Foundation/UUID.hpp"
+#include "Platform/Imaging/ImageCodec.hpp"
+
+#include <chrono>
+#include <utility>
+
+namespace kestrom::app {
+
+foundation::Date systemTime() {
+  const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+  return foundation::Date::fromSecondsSince1970(sinceEpoch.count());
+}
+
+services::ConversationConversion makeConversion(std::shared_ptr<const foundation::JSONDocument> rawCase, Now now) {
+  return services::ConversationConversion({
+      .handlebarParser = services::HandleBarParser(std::move(rawCase)),
+      .listFormatter = std::make_shared<foundation::ListFormatter>("en_US"),
+      .imageCodec = std::make_shared<imaging::NoImageCodec>(),
+      .makeIdentifier = foundation::makeUUIDString,
+      .presentYear = [now = std::move(now)] { return foundation::calendarYear(now()); },
+  });
+}
+
+}  // namespace kestrom::app
