@@ -56,9 +56,9 @@ std::optional<std::string> numberRefusal(std::string_view text, const InputBound
   return "Enter a number of at most " + std::to_string(*bounds.max);
 }
 
-std::optional<std::string> yearRefusal(std::string_view text, std::int64_t min, std::int64_t max) {
-  if (length(text) <= kYearLimit && isInside(wholeNumber(text), {min, max})) return {};
-  return between("Enter a year", min, max);
+std::optional<std::string> yearRefusal(std::string_view text, const InputBounds& bounds) {
+  if (length(text) <= kYearLimit && isInside(wholeNumber(text), bounds)) return {};
+  return between("Enter a year", bounds.min.value(), bounds.max.value());
 }
 
 }  // namespace kestrom::app

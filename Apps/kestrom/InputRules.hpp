@@ -24,7 +24,7 @@ std::optional<std::string> textRefusal(std::string_view text, const InputBounds&
 /// With a bound only whole numbers of 64 bits in decimal digits are taken; without any, every text is.
 std::optional<std::string> numberRefusal(std::string_view text, const InputBounds& bounds);
 
-/// As a number with both bounds; the chat's field holds four characters.
-std::optional<std::string> yearRefusal(std::string_view text, std::int64_t min, std::int64_t max);
+/// As a number; a year always has both bounds, and the chat's field holds four characters.
+std::optional<std::string> yearRefusal(std::string_view text, const InputBounds& bounds);
 
 }  // namespace kestrom::app

@@ -82,9 +82,9 @@ class PreviewRun {
       }
       _keptRevision = _session.revision();
     }
-    const bool isRefused = !events.empty() && events.back().kind == PreviewEvent::Kind::refusal;
+    const bool isRefused = !events.empty() && events.front().kind == PreviewEvent::Kind::refusal;
     if (isRefused && _arguments.scriptFile) {
-      _terminal.fault(place() + ": " + events.back().text);
+      _terminal.fault(place() + ": " + events.front().text);
       return false;
     }
     _terminal.show(events);

@@ -67,22 +67,24 @@ std::string boundsText(const InputBounds& bounds) {
   return {};
 }
 
-/// What a bubble's input demand asks for and its bounds; absent for a bubble that demands nothing.
+/// What a bubble asks to be typed.
 struct InputDemand {
   std::string_view name;
   InputBounds bounds;
+  std::optional<std::string> (*refusal)(std::string_view text, const InputBounds& bounds);
 };
 
+/// Absent for a bubble that asks for nothing.
 std::optional<InputDemand> inputDemand(const BotTextMessage& message) {
   if (!message.trigger) return {};
   if (const auto* year = std::get_if<ChatInputTrigger::Year>(&message.trigger->form)) {
-    return InputDemand{"year", {year->min, year->max}};
+    return InputDemand{"year", {year->min, year->max}, yearRefusal};
   }
   if (const auto* number = std::get_if<ChatInputTrigger::Number>(&message.trigger->form)) {
-    return InputDemand{"number", {number->min, number->max}};
+    return InputDemand{"number", {number->min, number->max}, numberRefusal};
   }
   if (const auto* text = std::get_if<ChatInputTrigger::Text>(&message.trigger->form)) {
-    return InputDemand{"text", {text->min, text->max}};
+    return InputDemand{"text", {text->min, text->max}, textRefusal};
   }
   return {};
 }
@@ -156,6 +158,8 @@ std::vector<PreviewEvent> PreviewSession::take(std::string_view line) {
   } else {
     events.push_back({Kind::refusal, std::move(answer.error())});
   }
+  const bool wasRefused = !events.empty() && events.back().kind == Kind::refusal;
+  if (wasRefused) showQuestion(events);
   return events;
 }
 
@@ -214,11 +218,7 @@ PreviewSession::AnswerOrRefusal PreviewSession::answerOf(std::string_view line) 
 PreviewSession::AnswerOrRefusal PreviewSession::typedAnswer(const BotTextMessage& question,
                                                             std::string_view line) const {
   const InputDemand demand = inputDemand(question).value();
-  std::optional<std::string> refusal;
-  if (demand.name == "year") refusal = yearRefusal(line, *demand.bounds.min, *demand.bounds.max);
-  if (demand.name == "number") refusal = numberRefusal(line, demand.bounds);
-  if (demand.name == "text") refusal = textRefusal(line, demand.bounds);
-  if (refusal) return std::unexpected(std::move(*refusal));
+  if (auto refusal = demand.refusal(line, demand.bounds)) return std::unexpected(std::move(*refusal));
   return answerTo(question, {BotAnswer::Value::String{std::string(line), question.messageKey}},
                   BotAnswer::BotAnswerType::regular);
 }

@@ -47,7 +47,8 @@ class PreviewSession {
   /// Shows the conversation so far and the pending question. Called once, before all lines.
   std::vector<PreviewEvent> start();
 
-  /// Takes an answer to the pending question or a command; only while the status is `asking`. A blank line asks again.
+  /// Takes an answer to the pending question or a command; only while the status is `asking`. A line that
+  /// is refused changes nothing; the refusal comes first, then the question again. A blank line asks again too.
   std::vector<PreviewEvent> take(std::string_view line);
 
   Status status() const { return _status; }

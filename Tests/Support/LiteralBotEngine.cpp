@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace kestrom::test {
+namespace kestrom::tests {
 
 using models::AdventureNode;
 using models::BotNode;
@@ -246,4 +246,4 @@ ConversationDTO LiteralBotEngine::conversation(std::span<const NativeBotEngineAn
   return {{total, current, current == total}, walk.lastEditable, walk.messages};
 }
 
-}  // namespace kestrom::test
+}  // namespace kestrom::tests

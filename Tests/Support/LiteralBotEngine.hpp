@@ -2,7 +2,7 @@
 
 #include "Core/Services/Bot/ChatBot.hpp"
 
-namespace kestrom::test {
+namespace kestrom::tests {
 
 /// The walk in its plainest form, to compare with: it recurses, copies each list that it enters and searches the lists
 /// of answers and messages from their start. For small templates only.
@@ -17,4 +17,4 @@ class LiteralBotEngine final : public services::ChatBot {
   double _now;
 };
 
-}  // namespace kestrom::test
+}  // namespace kestrom::tests

@@ -3,6 +3,7 @@
 #include "Core/Models/BotTemplate.hpp"
 #include "Core/Models/NativeBotEngineAnswerDTO.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,12 +11,17 @@
 #include <vector>
 
 /// Short words for templates and answers in tests. A node "pool" asks "pool?" and has the key "pool.key".
-namespace kestrom::test {
+namespace kestrom::tests {
 
 using NodeType = models::ConversationDTO::MessageDTO::MessageTypeDTO;
 using Nodes = std::vector<models::BotNode>;
 using Answer = models::NativeBotEngineAnswerDTO;
 using Answers = std::vector<Answer>;
+
+/// "arm 3" of "arm " and 3.
+inline std::string numbered(std::string name, std::size_t number) {
+  return name += std::to_string(number);
+}
 
 inline models::BotNode leaf(const std::string& id, NodeType type = NodeType::text) {
   models::BotNode node;
@@ -86,4 +92,4 @@ inline Answer answer(const std::string& messageId, const std::string& key, std::
   return given;
 }
 
-}  // namespace kestrom::test
+}  // namespace kestrom::tests

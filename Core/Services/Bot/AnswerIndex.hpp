@@ -15,7 +15,7 @@ namespace kestrom::services {
 /// told by their place in the list; "first" is by that place. The list must outlive the index.
 class AnswerIndex {
  public:
-  static constexpr std::uint32_t kNone = FlatIndex<std::string_view>::kNone;
+  static constexpr std::uint32_t kNone = FlatIndex::kNone;
 
   explicit AnswerIndex(std::span<const models::NativeBotEngineAnswerDTO> answers);
 
@@ -31,14 +31,14 @@ class AnswerIndex {
   /// Takes the first one that remains of those that share node and iteration with `answer`; nothing when none does.
   void removeFirstLike(std::uint32_t answer);
 
-  /// Keeps that `message` was made of `answer`, if it is the first one of that node and iteration.
+  /// Keeps that `message` was made of `answer`; the first one of that node and iteration counts.
   void noteMessage(std::uint32_t answer, std::uint32_t message);
 
   /// The first message that was made of an answer of a node in an iteration; else `kNone`.
   std::uint32_t firstMessage(std::string_view messageId, std::int64_t iteration) const;
 
  private:
-  /// One answer. Answers that share node and iteration are told by the first of them, their head.
+  /// One answer. A node is told by its first answer, and so is a node in an iteration: by the head of its answers.
   struct Entry {
     std::uint32_t node = kNone;
     std::uint32_t head = kNone;
@@ -47,18 +47,14 @@ class AnswerIndex {
     std::uint32_t next = kNone;
     // The next one with the same node and iteration.
     std::uint32_t nextAlike = kNone;
-    // Of a head only. Those behind the first one that remains all remain, since an answer is only ever taken as the
-    // first of its kind.
+    // Of a head. Those behind the first one that remains all remain, since an answer is only ever taken as the first of
+    // its kind.
     std::uint32_t firstAlike = kNone;
     std::uint32_t lastAlike = kNone;
     std::uint32_t firstMessage = kNone;
-  };
-
-  /// The answers of one node.
-  struct Node {
-    std::uint32_t first;
-    std::uint32_t last;
-    std::uint32_t firstRemaining;
+    // Of a node's first answer.
+    std::uint32_t firstRemaining = kNone;
+    std::uint32_t lastOfNode = kNone;
   };
 
   struct NodeIteration {
@@ -66,19 +62,21 @@ class AnswerIndex {
     std::int64_t iteration;
     friend bool operator==(const NodeIteration&, const NodeIteration&) = default;
   };
-  struct NodeIterationHash {
-    std::size_t operator()(const NodeIteration& key) const;
-  };
 
-  void append(std::uint32_t answer, Node& node);
+  void append(std::uint32_t answer);
+  std::uint32_t insertHead(std::uint32_t answer);
+  std::string_view idOf(std::uint32_t node) const;
+  NodeIteration keyOf(std::uint32_t answer) const;
+  std::uint32_t nodeOf(std::string_view messageId) const;
   std::uint32_t headOf(std::string_view messageId, std::int64_t iteration) const;
 
   std::span<const models::NativeBotEngineAnswerDTO> _answers;
   std::vector<Entry> _entries;
-  std::vector<Node> _nodes;
-  FlatIndex<std::string_view> _nodeOfId;
+  FlatIndex _nodeOfId;
   /// Only of nodes with more than one answer: most have one, and need no second table.
-  FlatIndex<NodeIteration, NodeIterationHash> _headOfIteration;
+  FlatIndex _headOfIteration;
+  /// The answer behind the one that was used last.
+  std::uint32_t _expected = 0;
 };
 
 }  // namespace kestrom::services

@@ -3,61 +3,79 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <cstring>
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace kestrom::services {
 
-/// Table from keys to small numbers, in one block of memory: a walk looks up every node, and a node container's
-/// allocation for each entry would cost more than the rest of the walk. Entries are never removed. Keys are kept as
-/// they are given, so what a `std::string_view` points to must outlive the table.
-template <class Key, class Hash = std::hash<Key>>
+/// A hash of a text for tables that live for one walk: cheap on short texts, of no meaning outside the process.
+inline std::uint32_t hashOf(std::string_view text) {
+  constexpr std::uint64_t kMultiplier = 0x9e3779b97f4a7c15U;
+  std::uint64_t hash = text.size() * kMultiplier;
+  const auto mix = [&](std::size_t length) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data(), length);
+    hash = (hash ^ word) * kMultiplier;
+    hash ^= hash >> 32U;
+    text.remove_prefix(length);
+  };
+  while (text.size() >= sizeof(std::uint64_t)) mix(sizeof(std::uint64_t));
+  if (!text.empty()) mix(text.size());
+  return static_cast<std::uint32_t>(hash);
+}
+
+/// Hash table of small numbers, each standing for a key that its owner keeps: `keyOf(number)` gives that key, `hash` is
+/// always the same function of it. Numbers are never removed. One block of eight bytes a slot, because a walk makes a
+/// table of all answers and pays for each cache line.
 class FlatIndex {
  public:
   static constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 
   explicit FlatIndex(std::size_t expectedCount = 0) { resize(expectedCount); }
 
-  /// The number stored under `key`, else `kNone`.
-  std::uint32_t find(const Key& key) const {
-    const auto hash = static_cast<std::uint32_t>(Hash{}(key));
-    return _slots[position(key, hash)].value;
+  /// The number that stands for `key`, else `kNone`.
+  template <class Key, class KeyOf>
+  std::uint32_t find(const Key& key, std::uint32_t hash, const KeyOf& keyOf) const {
+    return _slots[position(key, hash, keyOf)].number;
   }
 
-  /// Stores `value` under `key` unless something is stored there; gives what is stored.
-  std::uint32_t insert(const Key& key, std::uint32_t value) {
-    const auto hash = static_cast<std::uint32_t>(Hash{}(key));
-    Slot* slot = &_slots[position(key, hash)];
-    if (slot->value != kNone) return slot->value;
-    if (2 * ++_count > _slots.size()) {
-      resize(2 * _count);
-      slot = &_slots[position(key, hash)];
-    }
-    *slot = {key, hash, value};
-    return value;
+  /// The number that stands for `key`: `number` unless there is one already.
+  template <class Key, class KeyOf>
+  std::uint32_t insert(const Key& key, std::uint32_t hash, std::uint32_t number, const KeyOf& keyOf) {
+    Slot& slot = _slots[position(key, hash, keyOf)];
+    if (slot.number != kNone) return slot.number;
+    slot = {hash, number};
+    if (2 * ++_count > _slots.size()) resize(2 * _count);
+    return number;
   }
 
  private:
   struct Slot {
-    Key key{};
     std::uint32_t hash = 0;
-    std::uint32_t value = kNone;
+    std::uint32_t number = kNone;
   };
 
-  /// Slot that holds `key`, else the empty one where it belongs. At least half of the slots are empty.
-  std::size_t position(const Key& key, std::uint32_t hash) const {
+  /// Where `key` stands, else the empty slot where it belongs. At least half of the slots are empty.
+  template <class Key, class KeyOf>
+  std::size_t position(const Key& key, std::uint32_t hash, const KeyOf& keyOf) const {
     const std::size_t mask = _slots.size() - 1;
     std::size_t at = hash & mask;
-    while (_slots[at].value != kNone && !(_slots[at].hash == hash && _slots[at].key == key)) at = (at + 1) & mask;
+    while (_slots[at].number != kNone && !(_slots[at].hash == hash && keyOf(_slots[at].number) == key)) {
+      at = (at + 1) & mask;
+    }
     return at;
   }
 
   void resize(std::size_t count) {
-    std::vector<Slot> old = std::exchange(_slots, std::vector<Slot>(std::bit_ceil(2 * count + 2)));
-    for (Slot& slot : old) {
-      if (slot.value != kNone) _slots[position(slot.key, slot.hash)] = std::move(slot);
+    const std::vector<Slot> old = std::exchange(_slots, std::vector<Slot>(std::bit_ceil(2 * count + 2)));
+    const std::size_t mask = _slots.size() - 1;
+    for (const Slot& slot : old) {
+      std::size_t at = slot.hash & mask;
+      while (_slots[at].number != kNone) at = (at + 1) & mask;
+      if (slot.number != kNone) _slots[at] = slot;
     }
   }
 

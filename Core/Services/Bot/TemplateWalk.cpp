@@ -41,6 +41,10 @@ bool isAffirmative(const ConversationDTO::AnswerDTO& entry) {
   return readsInLowerCase(entry.key, "true") || readsInLowerCase(entry.key, "yes");
 }
 
+auto keyOfArm(const std::vector<AdventureNode>& arms) {
+  return [&](std::uint32_t arm) -> const std::string& { return arms[arm].key; };
+}
+
 }  // namespace
 
 NodeDetails TemplateWalk::Place::details(WalkedNode node) const {
@@ -184,8 +188,10 @@ TemplateWalk::Flow TemplateWalk::visitMenu(WalkedNode node, const Place& place) 
   MenuFrame frame{.node = node, .module = place.module, .givenStart = start, .givenCount = count};
   const std::vector<AdventureNode>& arms = *node->adventures;
   if (arms.size() >= kManyArms) {
-    frame.arms = std::make_unique<FlatIndex<std::string_view>>(arms.size());
-    for (std::uint32_t arm = 0; arm < arms.size(); ++arm) frame.arms->insert(arms[arm].key, arm);
+    frame.arms = std::make_unique<FlatIndex>(arms.size());
+    for (std::uint32_t arm = 0; arm < arms.size(); ++arm) {
+      frame.arms->insert(arms[arm].key, hashOf(arms[arm].key), arm, keyOfArm(arms));
+    }
   }
   _frames.emplace_back(std::move(frame));
   return Flow::goOn;
@@ -224,7 +230,9 @@ const AdventureNode* TemplateWalk::chosenArm(const MenuFrame& menu, const Native
   const std::vector<AdventureNode>& arms = *menu.node->adventures;
   if (menu.arms) {
     std::uint32_t first = AnswerIndex::kNone;
-    for (const ConversationDTO::AnswerDTO& entry : answer.answers) first = std::min(first, menu.arms->find(entry.key));
+    for (const ConversationDTO::AnswerDTO& entry : answer.answers) {
+      first = std::min(first, menu.arms->find(entry.key, hashOf(entry.key), keyOfArm(arms)));
+    }
     return first == AnswerIndex::kNone ? nullptr : &arms[first];
   }
   const auto arm = std::ranges::find_if(arms, [&](const AdventureNode& candidate) {

@@ -66,7 +66,7 @@ class TemplateWalk {
     std::size_t givenCount;
     std::size_t nextGiven = 0;
     /// Arms by key, where there are many.
-    std::unique_ptr<FlatIndex<std::string_view>> arms = nullptr;
+    std::unique_ptr<FlatIndex> arms = nullptr;
   };
 
   Flow visit(WalkedNode node, Place place);

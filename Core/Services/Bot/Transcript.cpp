@@ -53,7 +53,7 @@ void Transcript::appendMenuAgain(const NodeDetails& details, std::span<const std
   MessageDTO message = question(details);
   message.text = details.node.repeatText();
   message.timestamp.reset();
-  message.options = completedOptions(*details.node.node, chosen);
+  markCompleted(message, chosen);
   message.type = Type::selectSingleModule;
   append(std::move(message));
 }
@@ -94,21 +94,25 @@ MessageDTO Transcript::revisableQuestion(const NodeDetails& details) const {
   }
   if (!chosen.empty()) chosen.pop_back();
   if (!chosen.empty()) message.text = details.node.repeatText();
-  message.options = completedOptions(node, chosen);
+  markCompleted(message, chosen);
   return message;
 }
 
-/// The menu's options, those choices completed whose keys are among the chosen answers.
-std::optional<OptionsDTO> Transcript::completedOptions(const BotNode& menu,
-                                                       std::span<const std::uint32_t> chosen) const {
-  std::optional<OptionsDTO> options = menu.options;
-  if (!options || !options->values) return options;
-  FlatIndex<std::string_view> keys(chosen.size());
+/// Completed are those choices of a menu whose keys are among the chosen answers.
+void Transcript::markCompleted(MessageDTO& menu, std::span<const std::uint32_t> chosen) const {
+  if (!menu.options || !menu.options->values) return;
+  std::vector<std::string_view> keys;
+  FlatIndex index(chosen.size());
+  const auto keyOf = [&](std::uint32_t number) { return keys[number]; };
   for (const std::uint32_t answer : chosen) {
-    for (const ConversationDTO::AnswerDTO& entry : _answers[answer].answers) keys.insert(entry.key, 0);
+    for (const ConversationDTO::AnswerDTO& entry : _answers[answer].answers) {
+      const auto fresh = static_cast<std::uint32_t>(keys.size());
+      if (index.insert(entry.key, hashOf(entry.key), fresh, keyOf) == fresh) keys.push_back(entry.key);
+    }
   }
-  for (OptionsDTO::ValueDTO& value : *options->values) value.completed = keys.find(value.key) != keys.kNone;
-  return options;
+  for (OptionsDTO::ValueDTO& value : *menu.options->values) {
+    value.completed = index.find(value.key, hashOf(value.key), keyOf) != FlatIndex::kNone;
+  }
 }
 
 ConversationDTO Transcript::finish(const ConversationDTO::ProgressDTO& progress) && {

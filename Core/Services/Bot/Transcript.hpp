@@ -58,8 +58,7 @@ class Transcript {
   models::ConversationDTO::MessageDTO question(const NodeDetails& details) const;
   models::ConversationDTO::MessageDTO revisableQuestion(const NodeDetails& details) const;
   void append(models::ConversationDTO::MessageDTO question);
-  std::optional<models::ConversationDTO::MessageDTO::OptionsDTO> completedOptions(
-      const models::BotNode& menu, std::span<const std::uint32_t> chosen) const;
+  void markCompleted(models::ConversationDTO::MessageDTO& menu, std::span<const std::uint32_t> chosen) const;
 
   std::span<const models::NativeBotEngineAnswerDTO> _answers;
   double _now;

@@ -52,9 +52,9 @@ TEST(InputRules, NumbersWithBoundsAreWholeDecimalNumbers) {
 }
 
 TEST(InputRules, YearsHaveFourCharactersAtMost) {
-  EXPECT_EQ(said(yearRefusal("1900", 1900, 2030)), "");
-  EXPECT_EQ(said(yearRefusal("1899", 1900, 2030)), "Enter a year between 1900 and 2030");
-  EXPECT_EQ(said(yearRefusal("01990", 1900, 2030)), "Enter a year between 1900 and 2030");
+  EXPECT_EQ(said(yearRefusal("1900", {1900, 2030})), "");
+  EXPECT_EQ(said(yearRefusal("1899", {1900, 2030})), "Enter a year between 1900 and 2030");
+  EXPECT_EQ(said(yearRefusal("01990", {1900, 2030})), "Enter a year between 1900 and 2030");
 }
 
 }  // namespace

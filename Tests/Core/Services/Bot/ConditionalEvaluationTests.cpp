@@ -14,8 +14,8 @@ namespace kestrom::services {
 namespace {
 
 using models::ConditionalNode;
-using test::Answer;
-using test::NodeType;
+using tests::Answer;
+using tests::NodeType;
 using Case = ConditionalNode::Case;
 using Operator = Case::Operator;
 using Logic = ConditionalNode::LogicalOperator;
@@ -32,22 +32,22 @@ Case::Value boolean(bool value) {
 }
 
 bool holds(const Answer& answer, NodeType type, Logic logic, std::vector<Case> cases) {
-  models::BotNode node = test::leaf("n", type);
+  models::BotNode node = tests::leaf("n", type);
   const std::vector<ConditionalNode> guards{{logic, std::move(cases), ConditionalNode::Branch{}}};
   return selectBranch(answer, node, guards) != nullptr;
 }
 
 Answer typed(std::vector<Value> values) {
-  Answer answer = test::answer("n", "");
+  Answer answer = tests::answer("n", "");
   answer.answers.clear();
   for (Value& value : values) answer.answers.push_back({"key", std::move(value)});
   return answer;
 }
 
 Answer chosen(const std::vector<std::string>& keys) {
-  Answer answer = test::answer("n", "");
+  Answer answer = tests::answer("n", "");
   answer.answers.clear();
-  for (const std::string& key : keys) answer.answers.push_back(test::entry(key, "not looked at"));
+  for (const std::string& key : keys) answer.answers.push_back(tests::entry(key, "not looked at"));
   return answer;
 }
 
@@ -145,8 +145,8 @@ TEST(ConditionalEvaluation, FlattensTheAnswerByTheTypeOfTheNode) {
 }
 
 TEST(ConditionalEvaluation, TakesTheFirstGuardThatHolds) {
-  const Case passes = test::test(Operator::equal, "a");
-  const Case fails = test::test(Operator::equal, "b");
+  const Case passes = tests::test(Operator::equal, "a");
+  const Case fails = tests::test(Operator::equal, "b");
   struct Row {
     std::string label;
     std::vector<ConditionalNode> guards;
@@ -163,7 +163,7 @@ TEST(ConditionalEvaluation, TakesTheFirstGuardThatHolds) {
       {"a guard that leads nowhere", {{Logic::AND, {passes}, {}}, {Logic::AND, {passes}, branch}}, -1},
   };
   for (const Row& row : rows) {
-    const auto* selected = selectBranch(chosen({"a"}), test::leaf("n", NodeType::selectOne), row.guards);
+    const auto* selected = selectBranch(chosen({"a"}), tests::leaf("n", NodeType::selectOne), row.guards);
     const auto* want = row.want < 0 ? nullptr : &*row.guards[static_cast<std::size_t>(row.want)].branch;
     EXPECT_EQ(selected, want) << row.label;
   }

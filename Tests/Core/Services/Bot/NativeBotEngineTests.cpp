@@ -1,6 +1,6 @@
 #include "Core/Services/Bot/NativeBotEngine.hpp"
 
-#include "Tests/Support/SmallStackThread.hpp"
+#include "Tests/Support/SmallStack.hpp"
 #include "Tests/Support/TemplateBuilder.hpp"
 
 #include <gtest/gtest.h>
@@ -19,18 +19,19 @@ namespace {
 using models::BotNode;
 using models::ConversationDTO;
 using models::NodeList;
-using test::answer;
-using test::Answers;
-using test::arm;
-using test::branching;
-using test::entry;
-using test::leaf;
-using test::menu;
-using test::module;
-using test::Nodes;
-using test::NodeType;
-using test::repeating;
-using test::when;
+using tests::answer;
+using tests::Answers;
+using tests::arm;
+using tests::branching;
+using tests::entry;
+using tests::leaf;
+using tests::menu;
+using tests::module;
+using tests::Nodes;
+using tests::NodeType;
+using tests::numbered;
+using tests::repeating;
+using tests::when;
 using Lines = std::vector<std::string>;
 using MessageDTO = ConversationDTO::MessageDTO;
 
@@ -346,7 +347,7 @@ TEST(NativeBotEngine, OffersAMenuUntilAllOfItsArmsAreDone) {
 TEST(NativeBotEngine, ChoosesTheFirstArmInTheTemplatesOrder) {
   for (const std::size_t arms : {3U, 40U}) {
     std::vector<models::AdventureNode> list;
-    for (std::size_t index = 0; index < arms; ++index) list.push_back(arm("k" + std::to_string(index % 3), {}));
+    for (std::size_t index = 0; index < arms; ++index) list.push_back(arm(numbered("k", index % 3), {}));
     list[1].adventure.sequence = NodeList({leaf("a")});
     auto given = answer("pick", "k2");
     given.answers = {entry("none"), entry("k2"), entry("k1")};
@@ -377,8 +378,8 @@ TEST(NativeBotEngine, EndsATemplateThatDoublesItselfAtEachLevel) {
   // Gates that are branching nodes consume nothing, so that each list walks the one inside it twice.
   Answers answers;
   BotNode inner = leaf("never reached");
-  for (int level = 0; level < 40; ++level) {
-    const std::string gate = "gate " + std::to_string(level);
+  for (std::size_t level = 0; level < 40; ++level) {
+    const std::string gate = numbered("gate ", level);
     inner =
         repeating(module("m", {branching(gate, {}), level == 0 ? module("empty", {}) : std::move(inner)}), "more?", 2);
     answers.push_back(answer(gate, "yes"));
@@ -393,7 +394,7 @@ TEST(NativeBotEngine, WalksTheDeepestTemplateOnASmallStack) {
   Answers answers;
   NodeList list({leaf("bottom")});
   for (std::size_t level = 1; level < models::BotTemplate::kMaximumNesting; ++level) {
-    const std::string id = "n" + std::to_string(level);
+    const std::string id = numbered("n", level);
     NodeList outer;
     BotNode& node = outer.append();
     node.id = id;
@@ -411,7 +412,7 @@ TEST(NativeBotEngine, WalksTheDeepestTemplateOnASmallStack) {
     }
     list = std::move(outer);
   }
-  test::runOnSmallStack([&] {
+  tests::onSmallStack([&] {
     const NativeBotEngine engine([] { return foundation::Date::fromSecondsSince1970(kNow); });
     const ConversationDTO conversation = engine.conversation(answers, list);
     EXPECT_EQ(conversation.updatedMessages.size(), answers.size() + 1);

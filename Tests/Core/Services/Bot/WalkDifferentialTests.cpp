@@ -19,8 +19,8 @@ namespace {
 using models::BotNode;
 using models::ConversationDTO;
 using models::NodeList;
-using test::Answer;
-using test::Answers;
+using tests::Answer;
+using tests::Answers;
 using MessageDTO = ConversationDTO::MessageDTO;
 
 constexpr double kNow = 1'700'000'000;
@@ -48,7 +48,7 @@ class Chance {
   }
 
   BotNode node(int depth) {
-    BotNode node = test::leaf(id(), static_cast<test::NodeType>(below(16)));
+    BotNode node = tests::leaf(id(), static_cast<tests::NodeType>(below(16)));
     if (once(8)) node.text.reset();
     if (once(2)) node.repeatText = node.id + " again";
     if (once(2)) options(node);
@@ -61,10 +61,10 @@ class Chance {
   }
 
   Answer answer(std::string messageId, std::int64_t iteration) {
-    Answer given = test::answer(messageId, key(), iteration);
+    Answer given = tests::answer(messageId, key(), iteration);
     given.timestamp += below(1000);
     if (once(10)) given.answers.clear();
-    while (once(4)) given.answers.push_back(test::entry(key(), key()));
+    while (once(4)) given.answers.push_back(tests::entry(key(), key()));
     return given;
   }
 
@@ -111,7 +111,7 @@ class Chance {
     for (int count = below(3); count > 0; --count) {
       models::ConditionalNode& guard = guards.emplace_back();
       const std::string value = key();
-      if (!once(3)) guard.cases.push_back(test::test(models::ConditionalNode::Case::Operator::equal, value.c_str()));
+      if (!once(3)) guard.cases.push_back(tests::test(models::ConditionalNode::Case::Operator::equal, value.c_str()));
       if (!once(5)) guard.branch.emplace().sequence = list(depth - 1);
     }
   }
@@ -139,7 +139,7 @@ std::string difference(const ConversationDTO& a, const ConversationDTO& b) {
 
 TEST(WalkDifferential, AgreesWithTheLiteralWalk) {
   const NativeBotEngine engine([] { return foundation::Date::fromSecondsSince1970(kNow); });
-  const test::LiteralBotEngine literal(kNow);
+  const tests::LiteralBotEngine literal(kNow);
   constexpr std::uint32_t kRounds = 1500;
   std::size_t longest = 0;
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Platform/Reactive/WorkQueue.hpp"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+namespace kestrom::reactive {
+
+/// The steady clock of the system.
+TimePoint steadyNow();
+
+/// The loop that owns the kit's state: work is scheduled on it from any thread and runs on the one that pumps it. A
+/// host either gives it a thread (`run`) or owns the loop itself: it calls `runDue` whenever the wake-up callback asks
+/// for it and at `nextDueTime`.
+class MainQueue final : public Scheduler {
+ public:
+  explicit MainQueue(std::function<TimePoint()> now = steadyNow) : _clock(std::move(now)) {}
+  ~MainQueue() override { _queue->clear(); }
+
+  TimePoint now() const override { return _clock(); }
+  void schedule(Work work) override;
+  AnyCancellable scheduleAfter(Duration duration, Work work) override;
+
+  /// Runs work as it falls due until `stop`, on the calling thread.
+  void run();
+  /// Ends `run` after the work that is running, or the next one at once. Any thread.
+  void stop();
+
+  /// Runs what is due at this moment, without waiting. What is scheduled meanwhile is left for the next call, so that
+  /// work that schedules itself does not keep the host.
+  void runDue();
+  std::optional<TimePoint> nextDueTime() const { return _queue->nextDue(); }
+
+  /// `wakeUp` is called on the scheduling thread whenever something was scheduled; it should only wake the host's loop.
+  /// To be set before the first use.
+  void setWakeUp(std::function<void()> wakeUp) { _wakeUp = std::move(wakeUp); }
+
+ private:
+  void notify();
+
+  Ref<WorkQueue> _queue = makeRef<WorkQueue>();
+  std::function<TimePoint()> _clock;
+  std::function<void()> _wakeUp;
+  std::mutex _mutex;
+  std::condition_variable _changed;
+  bool _hasChanged = false;
+  bool _isStopping = false;
+};
+
+}  // namespace kestrom::reactive
