@@ -1,5 +1,6 @@
 #include "Platform/Foundation/Base64.hpp"
 
+#include <algorithm>
 #include <array>
 
 namespace kestrom::foundation {

@@ -1,5 +1,7 @@
 #include "Platform/Foundation/Text.hpp"
 
+#include "Platform/Foundation/FatalError.hpp"
+
 #include <unicode/brkiter.h>
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
@@ -20,16 +22,27 @@ bool isPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0 && c != '\r'; });
 }
 
+icu::BreakIterator& characterIterator() {
+  // Kept for the thread: making one costs several times as much as walking a message of the chat.
+  static thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
+    UErrorCode error = U_ZERO_ERROR;
+    std::unique_ptr<icu::BreakIterator> made(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
+    if (U_FAILURE(error)) fatalError("Cannot create an iterator over characters");
+    return made;
+  }();
+  return *iterator;
+}
+
 /// Calls `visit(end)` with the offset behind each character, until it returns false.
 template <class Visit>
 void forEachCharacterEnd(std::string_view text, Visit visit) {
+  icu::BreakIterator& iterator = characterIterator();
   UErrorCode error = U_ZERO_ERROR;
-  const std::unique_ptr<icu::BreakIterator> iterator(
-      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
   UText* opened = utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &error);
+  iterator.setText(opened, error);
   if (U_SUCCESS(error)) {
-    iterator->setText(opened, error);
-    for (auto end = iterator->next(); end != icu::BreakIterator::DONE; end = iterator->next()) {
+    for (auto end = iterator.next(); end != icu::BreakIterator::DONE; end = iterator.next()) {
       if (!visit(static_cast<std::size_t>(end))) break;
     }
   }

@@ -6,6 +6,8 @@
 #include <boost/url/url_view.hpp>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace kestrom::foundation {
 
@@ -38,7 +40,14 @@ std::optional<URL> URL::parse(std::string_view text) {
 }
 
 URL URL::fromFilePath(std::string_view path) {
-  return URL("file://" + percentEncoded(path, kPathCharacters));
+  std::string text = "file://";
+  if (!path.starts_with('/')) {
+    // Otherwise the path's first component would stand where a URL has its host.
+    std::error_code error;
+    text += percentEncoded(std::filesystem::current_path(error).native(), kPathCharacters);
+    if (!text.ends_with('/')) text += '/';
+  }
+  return URL(text + percentEncoded(path, kPathCharacters));
 }
 
 std::string_view URL::scheme() const {
@@ -66,8 +75,9 @@ URL URL::appendingPathComponent(std::string_view component) const {
   const std::string_view path = encodedPath(_text);
   const auto pathEnd = static_cast<std::size_t>(path.data() - _text.data()) + path.size();
   const std::string_view name = component == "/" ? std::string_view{} : component;
-  std::string text = _text.substr(0, pathEnd);
-  if (!path.ends_with('/')) text += '/';
+  const std::string_view kept = withoutTrailingSlashes(path);
+  std::string text = _text.substr(0, pathEnd - (path.size() - kept.size()));
+  if (kept != "/") text += '/';
   text += percentEncoded(name, kPathSegmentCharacters);
   text.append(_text, pathEnd);
   return URL(std::move(text));

@@ -15,7 +15,7 @@ class URL {
   static std::optional<URL> parse(std::string_view text);
 
   /// The "file" URL of a path of the file system; characters that a URL path may not hold are percent-encoded (UTF-8
-  /// bytes).
+  /// bytes). A relative path is taken from the process's working directory.
   static URL fromFilePath(std::string_view path);
 
   /// The whole text, for example "https://example.com/a.jpeg?x=1".

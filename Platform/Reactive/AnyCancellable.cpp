@@ -26,6 +26,10 @@ class CancelFunction final : public CancelTarget {
 AnyCancellable::AnyCancellable(std::move_only_function<void()> cancel)
     : _target(makeRef<CancelFunction>(std::move(cancel))) {}
 
+Cancellables::~Cancellables() {
+  while (!_held.empty()) cancelAll();
+}
+
 void Cancellables::store(AnyCancellable cancellable) {
   if (_held.size() >= _pruneAt) {
     std::erase_if(_held, [](const AnyCancellable& held) { return held.isDone(); });

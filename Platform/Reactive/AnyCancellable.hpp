@@ -19,7 +19,8 @@ class CancelTarget : public RefCounted {
 
 /// The token of something that runs; ends it when dropped. After `cancel` has returned nothing more is delivered, not
 /// even what is already queued: a delivery that runs on another thread at that moment is waited for, one that runs on
-/// this very thread is the last. So a delivery must not wait for a thread that cancels it.
+/// this very thread is the last. So a delivery must not wait for a thread that cancels it. A cancel from within a
+/// delivery of another subscription does not wait, since that one may be cancelling this one.
 class [[nodiscard]] AnyCancellable {
  public:
   AnyCancellable() = default;
@@ -46,6 +47,12 @@ class [[nodiscard]] AnyCancellable {
 /// The tokens that an object holds: they end with it. Used by one thread. Forgets by itself what is done.
 class Cancellables {
  public:
+  Cancellables() = default;
+  Cancellables(const Cancellables&) = delete;
+  Cancellables& operator=(const Cancellables&) = delete;
+  /// What cancelling stores here meanwhile ends too.
+  ~Cancellables();
+
   void store(AnyCancellable cancellable);
   void cancelAll();
   /// Those that still run.

@@ -20,7 +20,7 @@ Publisher<Output, Failure> mergeMany(std::vector<Publisher<Output, Failure>> pub
             makeRef<detail::Joint<Output, Failure>>(std::move(downstream), Scope::makeChild(scope), publishers.size());
         for (const auto& publisher : publishers) {
           if (joint->scope()->isCancelled()) return;
-          publisher.subscribe(makeRef<detail::JointPart<Output, Failure, Failure>>(joint), joint->scope());
+          detail::JointPart<Output, Failure, Failure>::subscribe(publisher, joint);
         }
       });
 }
@@ -85,7 +85,7 @@ class PairingSide final : public Subscriber<Value, Failure> {
  public:
   explicit PairingSide(Ref<PairingType> pairing) : _pairing(std::move(pairing)) {}
 
-  void receive(Value&& value) override { _pairing->template receive<kSide>(std::move(value)); }
+  void receive(Passed<Value> value) override { _pairing->template receive<kSide>(std::move(value)); }
   void finish(Completion<Failure>&& completion) override { _pairing->template finish<kSide>(std::move(completion)); }
 
  private:

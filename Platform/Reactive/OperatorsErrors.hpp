@@ -14,7 +14,7 @@ class FailureOperator final : public Subscriber<Output, Failure> {
   FailureOperator(Ref<Subscriber<Output, NewFailure>> downstream, OnFailure onFailure)
       : _downstream(std::move(downstream)), _onFailure(std::move(onFailure)) {}
 
-  void receive(Output&& value) override { _downstream->receive(std::move(value)); }
+  void receive(Passed<Output> value) override { _downstream->receive(std::move(value)); }
   void finish(Completion<Failure>&& completion) override {
     if (completion.isFailure()) {
       _onFailure(std::move(completion).failure(), _downstream);
@@ -49,7 +49,7 @@ class RetryOperator final : public Operator<Output, Failure, Output, Failure> {
         _triesLeft(triesLeft),
         _scope(std::move(scope)) {}
 
-  void receive(Output&& value) override { this->_downstream->receive(std::move(value)); }
+  void receive(Passed<Output> value) override { this->_downstream->receive(std::move(value)); }
   void finish(Completion<Failure>&& completion) override {
     if (!completion.isFailure() || _triesLeft <= 0) return this->_downstream->finish(std::move(completion));
     if (_scope->isCancelled()) return;
@@ -112,7 +112,7 @@ Publisher<O, NewFailure> Publisher<O, F>::setFailureType() const {
   class Renaming final : public detail::Operator<O, Never, O, NewFailure> {
    public:
     using detail::Operator<O, Never, O, NewFailure>::Operator;
-    void receive(O&& value) override { this->_downstream->receive(std::move(value)); }
+    void receive(Passed<O> value) override { this->_downstream->receive(std::move(value)); }
   };
   return detail::lift<O, NewFailure>(*this, [](Ref<Subscriber<O, NewFailure>> downstream, const Ref<Scope>&) {
     return makeRef<Renaming>(std::move(downstream));

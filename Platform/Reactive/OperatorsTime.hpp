@@ -21,7 +21,7 @@ class LaterOperator final : public Operator<Output, Failure, Output, Failure> {
         _scope(std::move(scope)),
         _enqueue(std::move(enqueue)) {}
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     _enqueue([downstream = this->_downstream, scope = _scope, value = std::move(value)]() mutable {
       if (!scope->isCancelled()) downstream->receive(std::move(value));
     });
@@ -88,7 +88,7 @@ class TimeoutOperator final : public TimedOperator<Output, Output, Failure> {
     this->timers().start(this->scheduler(), _duration, [self = Ref<TimeoutOperator>(this)] { self->expire(); });
   }
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     this->passGate([this, value = std::move(value)]() mutable {
       begin();
       this->_downstream->receive(std::move(value));
@@ -119,7 +119,7 @@ class ThrottleOperator final : public TimedOperator<Output, Output, Failure> {
         _interval(interval),
         _latest(latest) {}
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     this->passGate([this, value = std::move(value)]() mutable {
       if (_isWaiting) {
         if (_latest || !_held) _held = std::move(value);
@@ -165,7 +165,7 @@ class CollectOperator final : public TimedOperator<Output, std::vector<Output>, 
     });
   }
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     this->passGate([this, value = std::move(value)]() mutable { _held.push_back(std::move(value)); });
   }
 

@@ -17,7 +17,7 @@ class MapOperator final : public Operator<Input, Failure, Output, Failure> {
   MapOperator(Ref<Subscriber<Output, Failure>> downstream, F function)
       : Operator<Input, Failure, Output, Failure>(std::move(downstream)), _function(std::move(function)) {}
 
-  void receive(Input&& value) override { this->_downstream->receive(_function(std::move(value))); }
+  void receive(Passed<Input> value) override { this->_downstream->receive(_function(std::move(value))); }
 
  private:
   F _function;
@@ -29,7 +29,7 @@ class CompactMapOperator final : public Operator<Input, Failure, Output, Failure
   CompactMapOperator(Ref<Subscriber<Output, Failure>> downstream, F function)
       : Operator<Input, Failure, Output, Failure>(std::move(downstream)), _function(std::move(function)) {}
 
-  void receive(Input&& value) override {
+  void receive(Passed<Input> value) override {
     if (std::optional<Output> output = _function(std::move(value))) this->_downstream->receive(std::move(*output));
   }
 
@@ -43,7 +43,7 @@ class FilterOperator final : public Operator<Output, Failure, Output, Failure> {
   FilterOperator(Ref<Subscriber<Output, Failure>> downstream, F predicate)
       : Operator<Output, Failure, Output, Failure>(std::move(downstream)), _predicate(std::move(predicate)) {}
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     if (_predicate(std::as_const(value))) this->_downstream->receive(std::move(value));
   }
 
@@ -59,7 +59,7 @@ class ScanOperator final : public Operator<Input, Failure, Output, Failure> {
         _accumulated(std::move(initial)),
         _function(std::move(function)) {}
 
-  void receive(Input&& value) override {
+  void receive(Passed<Input> value) override {
     _accumulated = _function(std::move(_accumulated), std::move(value));
     this->_downstream->receive(Output(_accumulated));
   }
@@ -111,7 +111,7 @@ class TryMapOperator final : public EndingOperator<Input, InputFailure, Output, 
       : EndingOperator<Input, InputFailure, Output, Failure>(std::move(downstream), std::move(upstreamScope)),
         _function(std::move(function)) {}
 
-  void receive(Input&& value) override {
+  void receive(Passed<Input> value) override {
     if (this->hasEnded()) return;
     auto output = _function(std::move(value));
     if (output) {
@@ -130,7 +130,7 @@ class FirstOperator final : public EndingOperator<Output, Failure, Output, Failu
  public:
   using EndingOperator<Output, Failure, Output, Failure>::EndingOperator;
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     if (_hasValue || this->hasEnded()) return;
     _hasValue = true;
     this->_downstream->receive(std::move(value));
@@ -182,17 +182,27 @@ class Joint : public RefCounted {
   std::size_t _running;
 };
 
-/// One of the streams that come together.
+/// One of the streams that come together. Its scope ends with it: what it left there must not stay as long as the
+/// whole.
 template <class Output, class PartFailure, class Failure>
 class JointPart final : public Subscriber<Output, PartFailure> {
  public:
-  explicit JointPart(Ref<Joint<Output, Failure>> joint) : _joint(std::move(joint)) {}
+  JointPart(Ref<Joint<Output, Failure>> joint, Ref<Scope> scope) : _joint(std::move(joint)), _scope(std::move(scope)) {}
 
-  void receive(Output&& value) override { _joint->receive(std::move(value)); }
-  void finish(Completion<PartFailure>&& completion) override { _joint->finish(std::move(completion)); }
+  static void subscribe(const Publisher<Output, PartFailure>& part, const Ref<Joint<Output, Failure>>& joint) {
+    const Ref<Scope> scope = Scope::makeChild(joint->scope());
+    part.subscribe(makeRef<JointPart>(joint, scope), scope);
+  }
+
+  void receive(Passed<Output> value) override { _joint->receive(std::move(value)); }
+  void finish(Completion<PartFailure>&& completion) override {
+    _scope->finish();
+    _joint->finish(std::move(completion));
+  }
 
  private:
   Ref<Joint<Output, Failure>> _joint;
+  Ref<Scope> _scope;
 };
 
 template <class Input, class InputFailure, class Output, class Failure, class F>
@@ -201,12 +211,12 @@ class FlatMapOperator final : public Subscriber<Input, InputFailure> {
   FlatMapOperator(Ref<Joint<Output, Failure>> joint, F function)
       : _joint(std::move(joint)), _function(std::move(function)) {}
 
-  void receive(Input&& value) override {
+  void receive(Passed<Input> value) override {
     if (_joint->scope()->isCancelled()) return;
     const auto inner = _function(std::move(value));
     using InnerFailure = typename PublisherTraits<std::remove_cvref_t<decltype(inner)>>::Failure;
     _joint->begin();
-    inner.subscribe(makeRef<JointPart<Output, InnerFailure, Failure>>(_joint), _joint->scope());
+    JointPart<Output, InnerFailure, Failure>::subscribe(inner, _joint);
   }
   void finish(Completion<InputFailure>&& completion) override { _joint->finish(std::move(completion)); }
 
@@ -290,26 +300,31 @@ template <class O, class F>
 Publisher<O, F> Publisher<O, F>::handleEvents(EventHandlers<O, F> handlers) const {
   class Handling final : public detail::Operator<O, F, O, F> {
    public:
-    Handling(Ref<Subscriber<O, F>> downstream, EventHandlers<O, F> events)
-        : detail::Operator<O, F, O, F>(std::move(downstream)), _events(std::move(events)) {}
+    Handling(Ref<Subscriber<O, F>> downstream, EventHandlers<O, F> events, Ref<Scope> scope)
+        : detail::Operator<O, F, O, F>(std::move(downstream)), _events(std::move(events)), _scope(std::move(scope)) {
+      if (_events.onCancel) _cancelId = _scope->add(_events.onCancel);
+    }
 
-    void receive(O&& value) override {
+    void receive(Passed<O> value) override {
       if (_events.onOutput) _events.onOutput(value);
       this->_downstream->receive(std::move(value));
     }
     void finish(Completion<F>&& completion) override {
+      // The chain may go on without this part of it.
+      _scope->remove(_cancelId);
       if (_events.onCompletion) _events.onCompletion(completion);
       this->_downstream->finish(std::move(completion));
     }
 
    private:
     EventHandlers<O, F> _events;
+    Ref<Scope> _scope;
+    Scope::TeardownId _cancelId = 0;
   };
   return detail::lift<O, F>(
       *this, [handlers = std::move(handlers)](Ref<Subscriber<O, F>> downstream, const Ref<Scope>& scope) {
         if (handlers.onSubscribe) handlers.onSubscribe();
-        if (handlers.onCancel) scope->add(handlers.onCancel);
-        return makeRef<Handling>(std::move(downstream), handlers);
+        return makeRef<Handling>(std::move(downstream), handlers, scope);
       });
 }
 
@@ -322,7 +337,7 @@ Publisher<O, F> Publisher<O, F>::append(Publisher next) const {
           _following(std::move(following)),
           _scope(std::move(scope)) {}
 
-    void receive(O&& value) override { this->_downstream->receive(std::move(value)); }
+    void receive(Passed<O> value) override { this->_downstream->receive(std::move(value)); }
     void finish(Completion<F>&& completion) override {
       if (completion.isFailure()) return this->_downstream->finish(std::move(completion));
       if (!_scope->isCancelled()) _following.subscribe(std::move(this->_downstream), _scope);

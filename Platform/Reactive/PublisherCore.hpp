@@ -62,10 +62,10 @@ Completion<To> convertCompletion(Completion<From>&& completion) {
 /// The handlers of `handleEvents`; each may be empty.
 template <class Output, class Failure>
 struct EventHandlers {
-  std::function<void()> onSubscribe;
-  std::function<void(const Output&)> onOutput;
-  std::function<void(const Completion<Failure>&)> onCompletion;
-  std::function<void()> onCancel;
+  std::function<void()> onSubscribe = nullptr;
+  std::function<void(const Output&)> onOutput = nullptr;
+  std::function<void(const Completion<Failure>&)> onCompletion = nullptr;
+  std::function<void()> onCancel = nullptr;
 };
 
 /// A stream of values that may end with a failure: a copyable value that does nothing until `sink`. Each subscription
@@ -229,7 +229,7 @@ class Sink final : public Subscriber<Output, Failure> {
   Sink(Ref<Scope> scope, OnCompletion onCompletion, OnValue onValue)
       : _scope(std::move(scope)), _onCompletion(std::move(onCompletion)), _onValue(std::move(onValue)) {}
 
-  void receive(Output&& value) override {
+  void receive(Passed<Output> value) override {
     _scope->whileNotCancelled([&] { _onValue(std::move(value)); });
   }
 

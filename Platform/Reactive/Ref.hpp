@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Reactive/SingleThreaded.hpp"
+
 #include <atomic>
 #include <concepts>
 #include <cstddef>
@@ -21,10 +23,23 @@ class RefCounted {
   template <class T>
   friend class Ref;
 
-  void retain() const noexcept { _count.fetch_add(1, std::memory_order_relaxed); }
+  void retain() const noexcept {
+    if (isSingleThreaded()) {
+      _count.store(_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    } else {
+      _count.fetch_add(1, std::memory_order_relaxed);
+    }
+  }
   void release() const noexcept {
     // Whoever holds the only reference needs no exchange with others to know it.
-    if (_count.load(std::memory_order_acquire) == 1 || _count.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+    const std::size_t count = _count.load(std::memory_order_acquire);
+    if (count == 1) {
+      delete this;
+    } else if (isSingleThreaded()) {
+      _count.store(count - 1, std::memory_order_relaxed);
+    } else if (_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+      delete this;
+    }
   }
 
   mutable std::atomic<std::size_t> _count = 0;

@@ -76,12 +76,8 @@ void Scope::detachFromParent() {
 }
 
 void Scope::awaitDelivery() const {
-  const std::thread::id self = std::this_thread::get_id();
-  while (true) {
-    const std::thread::id deliverer = _deliverer.load(std::memory_order_seq_cst);
-    if (deliverer == std::thread::id() || deliverer == self) return;
-    std::this_thread::yield();
-  }
+  if (_deliveriesOfThisThread > 0) return;
+  while (_deliverer.load(std::memory_order_seq_cst) != std::thread::id()) std::this_thread::yield();
 }
 
 }  // namespace kestrom::reactive

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Reactive/AnyCancellable.hpp"
+#include "Platform/Reactive/SingleThreaded.hpp"
 
 #include <atomic>
 #include <cstdint>
@@ -21,7 +22,8 @@ class Scope : public CancelTarget {
   bool isCancelled() const noexcept { return _isCancelled.load(std::memory_order_seq_cst); }
   bool isDone() const override { return isCancelled(); }
 
-  /// Runs what is left here, newest first, on this thread, after a delivery on another thread has ended.
+  /// Runs what is left here, newest first, on this thread, after a delivery on another thread has ended. From within a
+  /// delivery, of whatever scope, that is not waited for: the other may be cancelling this one.
   void cancel() override;
 
   /// Ends without running anything: all that was held is done.
@@ -41,13 +43,25 @@ class Scope : public CancelTarget {
     const std::thread::id self = std::this_thread::get_id();
     const bool isOuter = _deliverer.load(std::memory_order_relaxed) != self;
     // Cancelling sets its mark and then looks for a deliverer; delivering does it the other way round, so that at least
-    // one of the two sees the other.
-    if (isOuter) _deliverer.store(self, std::memory_order_seq_cst);
+    // one of the two sees the other. Without a second thread the order costs nothing.
+    if (isOuter) {
+      if (isSingleThreaded()) {
+        _deliverer.store(self, std::memory_order_relaxed);
+      } else {
+        _deliverer.store(self, std::memory_order_seq_cst);
+      }
+      ++_deliveriesOfThisThread;
+    }
     if (!isCancelled()) deliver();
-    if (isOuter) _deliverer.store({}, std::memory_order_release);
+    if (isOuter) {
+      --_deliveriesOfThisThread;
+      _deliverer.store({}, std::memory_order_release);
+    }
   }
 
  private:
+  static constinit inline thread_local int _deliveriesOfThisThread = 0;
+
   void detachFromParent();
   void awaitDelivery() const;
 

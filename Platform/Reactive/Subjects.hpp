@@ -87,10 +87,12 @@ class PassthroughSubject {
 
   /// Ends the stream: later subscribers get the end at once, later sends are dropped.
   void finish(Completion<Failure> completion = Completion<Failure>::finished()) {
-    if (!_state->finish(completion)) return;
-    _state->listeners->forEach([&](auto& downstream) { downstream.finish(Completion<Failure>(completion)); },
-                               [] { return true; });
-    _state->listeners->clear();
+    // Held here, since a subscriber may end the subject.
+    const Ref<State> state = _state;
+    if (!state->finish(completion)) return;
+    state->listeners->forEach([&](auto& downstream) { downstream.finish(Completion<Failure>(completion)); },
+                              [] { return true; });
+    state->listeners->clear();
   }
 
   Publisher<Output, Failure> publisher() const {

@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace kestrom::reactive {
@@ -44,12 +45,16 @@ class Completion {
   std::optional<Failure> _failure;
 };
 
+/// How a value goes from stage to stage: what fits into registers travels in them, all else is handed on in place.
+template <class T>
+using Passed = std::conditional_t<std::is_trivially_copyable_v<T> && sizeof(T) <= 2 * sizeof(void*), T, T&&>;
+
 /// The receiving end of one stage for one subscription. A source calls `receive` any number of times and then `finish`
 /// at most once, one call after the other; what comes after `finish` is a mistake of the source.
 template <class Output, class Failure>
 class Subscriber : public RefCounted {
  public:
-  virtual void receive(Output&& value) = 0;
+  virtual void receive(Passed<Output> value) = 0;
   virtual void finish(Completion<Failure>&& completion) = 0;
 };
 

@@ -5,9 +5,16 @@
 
 namespace kestrom::reactive {
 
+namespace {
+
+// Below it a clock that is moved by seconds would not come to an end.
+constexpr Duration kShortestInterval = std::chrono::milliseconds(1);
+
+}  // namespace
+
 struct Timers::Repeating : RefCounted {
   Repeating(Scheduler& on, Duration every, std::move_only_function<void(TimePoint)> then)
-      : scheduler(on), interval(std::max(every, Duration(1))), due(on.now() + interval), work(std::move(then)) {}
+      : scheduler(on), interval(std::max(every, kShortestInterval)), due(on.now() + interval), work(std::move(then)) {}
 
   Scheduler& scheduler;
   Duration interval;
@@ -17,7 +24,7 @@ struct Timers::Repeating : RefCounted {
 
 Ref<Timers> Timers::make(const Ref<Scope>& scope) {
   Ref<Timers> timers = makeRef<Timers>();
-  scope->add([timers] { timers->cancelAll(); });
+  scope->add([timers] { timers->end(); });
   return timers;
 }
 
@@ -25,6 +32,7 @@ void Timers::start(Scheduler& scheduler, Duration duration, Work work) {
   std::uint64_t id = 0;
   {
     const std::lock_guard lock(_mutex);
+    if (_hasEnded) return;
     id = ++_lastId;
     _tokens.try_emplace(id);
   }
@@ -53,6 +61,14 @@ void Timers::scheduleNext(const Ref<Repeating>& repeating) {
     scheduleNext(repeating);
     repeating->work(due);
   });
+}
+
+void Timers::end() {
+  {
+    const std::lock_guard lock(_mutex);
+    _hasEnded = true;
+  }
+  cancelAll();
 }
 
 void Timers::cancelAll() {

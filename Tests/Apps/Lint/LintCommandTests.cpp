@@ -3,7 +3,7 @@
 #include "Apps/kestrom/Lint/LintRules.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
 #include "Tests/Apps/Lint/LintTesting.hpp"
-#include "Tests/Support/SmallStackThread.hpp"
+#include "Tests/Support/SmallStack.hpp"
 
 #include <filesystem>
 #include <fstream>
@@ -148,7 +148,7 @@ TEST(LintCommand, StandsHostileDocumentsOnASmallStack) {
       {"keys of one name", "{" + repeated(R"("a":1,)", 200'000) + R"("sequence":[1]})"},
   };
   for (const auto& row : rows) {
-    kestrom::test::runOnSmallStack([&] {
+    kestrom::tests::onSmallStack([&] {
       const LintResult result = lintTemplate(row.document, {});
       EXPECT_FALSE(result.findings.empty()) << row.label;
       EXPECT_TRUE(std::ranges::any_of(result.findings, [](const Finding& each) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace kestrom::foundation {
 namespace {
 
@@ -22,6 +24,13 @@ TEST(URL, ParsesWhatRFC3986Allows) {
       "file:///a%20b",
       "data:image/png;base64,AQID",
       "x",
+      "./a:b",
+      "http://u:p:w@h:/",
+      "http://256.256.256.256",
+      "http://[::1.2.3.4]",
+      "http://[1:2:3:4:5:6:7::]",
+      "http://[v1f.a:b]",
+      "http://a?b/c?d#e/f?g",
   };
   for (const std::string_view text : allowed) {
     const auto url = URL::parse(text);
@@ -29,14 +38,42 @@ TEST(URL, ParsesWhatRFC3986Allows) {
     EXPECT_EQ(url->absoluteString(), text) << "the text stays as it was given";
   }
   const std::string_view refused[] = {
-      "",          " ",           "http://a b",
-      " http://a", "http://a ",   "http://ä.example",
-      "a\tb",      "a\nb",        "a%",
-      "a%2",       "%zz",         ":x",
-      "1http://x", "http://[::1", "http://a:port/",
-      "a\\b",      "a<b>",        "a\"b",
-      "a|b",       "a^b",         "a`b",
-      "{a}",       "[a]",         "a#b#c",
+      "",
+      " ",
+      "http://a b",
+      " http://a",
+      "http://a ",
+      "http://ä.example",
+      "a\tb",
+      "a\nb",
+      "a%",
+      "a%2",
+      "%zz",
+      ":x",
+      "1http://x",
+      "http://[::1",
+      "http://a:port/",
+      "a\\b",
+      "a<b>",
+      "a\"b",
+      "a|b",
+      "a^b",
+      "a`b",
+      "{a}",
+      "[a]",
+      "a#b#c",
+      "1:2",
+      "a%20b:c",
+      "http://u@v@h",
+      "http://[]",
+      "http://[::1]a",
+      "http://[::1%25eth0]",
+      "http://[::256.1.1.1]",
+      "http://[1::2::3]",
+      "http://[1:2:3:4:5:6:7:8:9]",
+      "http://[12345::]",
+      "http://[1.2.3.4]",
+      "http://[v.a]",
   };
   for (const std::string_view text : refused) EXPECT_FALSE(URL::parse(text)) << text;
   EXPECT_FALSE(URL::parse(std::string_view("a\0b", 3)));
@@ -86,6 +123,10 @@ TEST(URL, AppendsOneComponentAndNoMore) {
       {"file:///a", "50%?#", "file:///a/50%25%3F%23"},
       {"file:///a", "", "file:///a/"},
       {"file:///a/", "/", "file:///a/"},
+      {"file:///a//", "b", "file:///a/b"},
+      {"file:///a//", "", "file:///a/"},
+      {"file:///", "b", "file:///b"},
+      {"a:", "b", "a:/b"},
       {"http://h?q#f", "b", "http://h/b?q#f"},
   };
   for (const Row& row : rows) {
@@ -93,6 +134,14 @@ TEST(URL, AppendsOneComponentAndNoMore) {
     EXPECT_EQ(url.absoluteString(), row.want);
     EXPECT_TRUE(URL::parse(url.absoluteString())) << "what is built parses";
   }
+}
+
+TEST(URL, NeverTakesAFilePathForAHost) {
+  const std::string here = URL::fromFilePath(std::filesystem::current_path().string()).absoluteString();
+  EXPECT_EQ(URL::fromFilePath("media/a.png").absoluteString(), here + "/media/a.png");
+  EXPECT_EQ(URL::fromFilePath("c:x").absoluteString(), here + "/c:x");
+  EXPECT_EQ(URL::fromFilePath("//media").absoluteString(), "file:////media");
+  EXPECT_EQ(URL::fromFilePath("/a%20?#\xFF").absoluteString(), "file:///a%2520%3F%23%FF");
 }
 
 }  // namespace
