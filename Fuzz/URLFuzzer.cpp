@@ -2,6 +2,7 @@
 
 #include "Fuzz/URLGrammar.hpp"
 #include "Platform/Foundation/URL.hpp"
+#include "Platform/Foundation/URLComponents.hpp"
 
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 namespace {
 
 using kestrom::foundation::URL;
+using kestrom::foundation::URLComponents;
 using kestrom::fuzzing::isURIReference;
 
 void require(bool holds) {
@@ -31,6 +33,15 @@ void requireFilePath(const std::string& path) {
   require(url.path() == (end == path.npos ? "/" : path.substr(0, end + 1)));
 }
 
+void requireParts(const URL& url) {
+  URLComponents parts(url);
+  require(parts.url() == url);
+  const auto items = parts.queryItems();
+  if (!items) return;
+  parts.setQueryItems(*items);
+  require(parts.queryItems() == items && parts.url() && isURIReference(parts.url()->absoluteString()));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -44,5 +55,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(url->lastPathComponent().ends_with(url->pathExtension()));
   for (const char* component : {"", "/", "a", "../b", "50%?#", "\xFF"}) requireComponent(*url, component);
   requireComponent(*url, text);
+  requireParts(*url);
   return 0;
 }

@@ -28,14 +28,15 @@ void encodeForm(const Union& in, JSONWriter& writer) {
   std::visit([&]<class Form>(const Form& form) { Coder<Form>::encode(form, writer); }, in.form);
 }
 
-URL mediaURL(JSONValue value, DecodingContext& context) {
-  URL url = URL::fromFilePath("/");
-  if (value.isString()) {
-    if (auto stored = models::storedURL(value.string(), context.options().documentsDirectory))
-      return std::move(*stored);
+/// A file elsewhere than in the documents directory is refused: a kept medium is uploaded from where its address says.
+void decodeMediaURL(URL& out, JSONValue value, DecodingContext& context) {
+  Coder<URL>::decode(out, value, context);
+  if (context.isStopped()) return;
+  if (auto stored = models::storedURL(out.absoluteString(), context.options().documentsDirectory)) {
+    out = std::move(*stored);
+  } else if (out.isFileURL()) {
+    context.fail(DecodingError::Kind::dataCorrupted, "the address of a file outside of the documents directory");
   }
-  Coder<URL>::decode(url, value, context);
-  return url;
 }
 
 }  // namespace
@@ -47,12 +48,12 @@ void Coder<MediaBundleDTO>::decode(MediaBundleDTO& out, JSONValue value, Decodin
     return context.fail(DecodingError::Kind::keyNotFound, "required key \"mediaUrl\" is missing", "mediaUrl");
   }
   context.enterKey("mediaUrl");
-  out.mediaUrl = mediaURL(*media, context);
+  decodeMediaURL(out.mediaUrl, *media, context);
   context.leave();
   const auto thumbnail = value.member("thumbnailUrl");
   if (!thumbnail || thumbnail->isNull() || context.isStopped()) return;
   context.enterKey("thumbnailUrl");
-  out.thumbnailUrl = mediaURL(*thumbnail, context);
+  decodeMediaURL(out.thumbnailUrl.emplace(URL::fromFilePath("/")), *thumbnail, context);
   context.leave();
 }
 

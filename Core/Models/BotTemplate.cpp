@@ -45,7 +45,7 @@ template <>
 struct Coder<NodeList> {
   static void decode(NodeList& out, JSONValue value, DecodingContext& context) {
     if (!value.isArray()) return failType(context, value, "a list");
-    out.reserve(value.size());
+    out.reserve(std::min(value.size(), kMaximumReserve));
     context.defer(value, &out, &decodeNode, BotTemplate::kMaximumNesting);
   }
 };

@@ -3,10 +3,11 @@
 namespace kestrom::models {
 
 std::optional<foundation::URL> storedURL(std::string_view text, const foundation::URL& documentsDirectory) {
-  const bool namesFile = text.find("file://") != std::string_view::npos;
-  if (!namesFile && text.find("http") == std::string_view::npos) return std::nullopt;
+  const bool namesFile = text.contains("file://");
+  if (!namesFile && !text.contains("http")) return std::nullopt;
   auto url = foundation::URL::parse(text);
-  if (!url || !namesFile) return url;
+  // The address of a file may be spelled otherwise, "FILE:/http" for example; it leads out of the directory as well.
+  if (!url || (!namesFile && !url->isFileURL())) return url;
 
   const std::string name = url->lastPathComponent();
   const bool leavesDirectory = name == "." || name == ".." || name.find('\0') != std::string::npos ||

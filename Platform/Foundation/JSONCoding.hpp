@@ -3,6 +3,7 @@
 #include "Platform/Foundation/JSONDecoding.hpp"
 #include "Platform/Foundation/JSONWriter.hpp"
 
+#include <algorithm>
 #include <array>
 #include <span>
 #include <utility>
@@ -17,6 +18,10 @@
 /// A member of type std::optional is an optional key (absent or null), any other a required one. A closed list of texts
 /// gives `kCases` instead, a type with a form of its own its own `Coder`.
 namespace kestrom::foundation {
+
+/// Room that is made at once for the elements of a list. A document of two bytes an element must not claim memory for a
+/// large record each before it is known that they are records.
+constexpr std::size_t kMaximumReserve = 1024;
 
 /// How a value of type T is read from and written to JSON: `decode(T&, JSONValue, DecodingContext&)`, which notes an
 /// error in the context, and `encode(const T&, JSONWriter&)`.
@@ -35,8 +40,8 @@ struct FieldCoding {
   /// Writes key and value; nothing when the value is absent.
   /// Absent for a member that is only ever read.
   void (*encode)(const void* record, std::string_view key, JSONWriter& writer);
-  /// Whether `encode` is there. Apart from it, because under the sanitizers g++ 12 compares no pointer to a function in a
-  /// constant expression.
+  /// Whether `encode` is there. Apart from it, because under the sanitizers g++ 12 compares no pointer to a function in
+  /// a constant expression.
   bool isEncodable = false;
 };
 
@@ -160,7 +165,7 @@ struct Coder<std::vector<T>> {
   static void decode(std::vector<T>& out, JSONValue value, DecodingContext& context) {
     if (!value.isArray()) return failType(context, value, "a list");
     out.clear();
-    out.reserve(value.size());
+    out.reserve(std::min(value.size(), kMaximumReserve));
     std::size_t index = 0;
     for (const JSONValue element : value) {
       context.enterIndex(index++);

@@ -173,7 +173,7 @@ void reportKeys(DocumentPlaces& places, LintReport& report) {
   };
 
   enter(places.root(), ObjectKind::root);
-  while (!open.empty()) {
+  while (!open.empty() && !report.isCut()) {
     Open& top = open.back();
     if (top.next == top.end) {
       open.pop_back();

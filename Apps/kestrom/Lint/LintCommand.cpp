@@ -82,7 +82,10 @@ int runLint(const LintArguments& arguments, std::ostream& out, std::ostream& err
       arguments.json ? printObject(name, finding, out) : printLine(name, finding, out);
       hasFailed = hasFailed || finding.severity == Severity::error;
     }
-    if (result.isCut) complain(name, "there are more findings than are told");
+    if (result.isCut) {
+      complain(name, "there are more findings than are told");
+      hasFailed = true;
+    }
   }
   return hasFailed ? 1 : 0;
 }

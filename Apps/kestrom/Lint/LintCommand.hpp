@@ -17,7 +17,8 @@ struct LintArguments {
 };
 
 /// Checks the templates in turn and prints one finding a line to `out`; what cannot be read goes to `err`. Gives the
-/// exit status: 1 when there is an error among the findings or a file cannot be read, else 0.
+/// exit status: 1 when there is an error among the findings, when there are too many of them to tell or when a file
+/// cannot be read, else 0.
 int runLint(const LintArguments& arguments, std::ostream& out, std::ostream& err);
 
 }  // namespace kestrom::app

@@ -16,11 +16,11 @@ void LintReport::add(const rules::Rule& rule, Severity severity, const Place& pl
     _isCut = true;
     return;
   }
-  _entries.push_back({place.value().position(), {place.path(), severity, rule.name, std::move(text)}});
+  _entries.push_back({place.value().position(), _entries.size(), {place.path(), severity, rule.name, std::move(text)}});
 }
 
 std::vector<Finding> LintReport::inDocumentOrder() && {
-  std::ranges::stable_sort(_entries, {}, &Entry::position);
+  std::ranges::sort(_entries, {}, [](const Entry& entry) { return std::pair(entry.position, entry.order); });
   std::vector<Finding> findings;
   findings.reserve(_entries.size());
   for (Entry& entry : _entries) findings.push_back(std::move(entry.finding));

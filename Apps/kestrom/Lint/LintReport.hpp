@@ -33,6 +33,7 @@ class LintReport {
  private:
   struct Entry {
     std::size_t position;
+    std::size_t order;
     Finding finding;
   };
 

@@ -68,6 +68,9 @@ class NodeRules {
   NodeRules(const LintOptions& options, const UnsoundNodes& unsound, LintReport& report)
       : _options(options), _unsound(unsound), _placeholders(options.caseObject), _report(report) {}
 
+  /// Nothing more that they find would be told.
+  bool isDone() const { return _report.isCut(); }
+
   void check(const TemplateVisit& visit) {
     checkStructure(visit, _report);
     checkFields(visit, _report);
@@ -102,7 +105,7 @@ void visitNodes(const BotTemplate& whole, DocumentPlaces& places, const UnsoundN
 
   const auto root = places.root().value().member("sequence");
   if (root && root->isArray()) enter({&whole.sequence, places.root().member("sequence", *root)}, false);
-  while (!open.empty()) {
+  while (!open.empty() && !rules.isDone()) {
     Open& top = open.back();
     if (top.next == top.list.nodes->size()) {
       open.pop_back();

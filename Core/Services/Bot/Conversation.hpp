@@ -15,6 +15,8 @@ struct Conversation {
   std::optional<std::vector<models::Message>> editableMessages;
   /// All rows, oldest first.
   std::vector<models::Message> messages;
+
+  friend bool operator==(const Conversation&, const Conversation&) = default;
 };
 
 }  // namespace kestrom::services

@@ -140,7 +140,8 @@ void ConversationConversion::appendQuestion(const MessageDTO& message, std::vect
     row.trigger = trigger;
     rows.push_back({std::move(row)});
   };
-  const auto limits = message.options.value_or(MessageDTO::OptionsDTO{});
+  static const MessageDTO::OptionsDTO kNoLimits;
+  const MessageDTO::OptionsDTO& limits = message.options ? *message.options : kNoLimits;
 
   switch (*message.type) {
     case Type::module:

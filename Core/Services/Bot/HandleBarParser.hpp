@@ -8,10 +8,9 @@
 
 namespace kestrom::services {
 
-/// Fills the placeholders of bot texts from the raw JSON of the case. A placeholder is a path in two or three braces,
-/// such as
-/// "{{case.address.city}}", within one line; its first piece names the case and is not looked at. Made once for a
-/// conversation; any thread.
+/// Fills the placeholders of bot texts from the raw JSON of the case. A placeholder is a path in two or three braces
+/// within one line, such as "{{case.address.city}}"; its first piece names the case and is not looked at, and a path of
+/// that piece alone stands for the whole case. Made once for a conversation; any thread.
 class HandleBarParser {
  public:
   /// `json` is the case, an object; null stands for an empty one.

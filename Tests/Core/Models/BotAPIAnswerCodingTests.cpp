@@ -1,0 +1,136 @@
+#include "Core/Models/BotAPIAnswerCoding.hpp"
+
+#include <gtest/gtest.h>
+
+namespace kestrom::models {
+namespace {
+
+using foundation::DecodingError;
+using foundation::DecodingOptions;
+using foundation::URL;
+
+DecodingOptions options(DecodingOptions::Dates dates = DecodingOptions::Dates::secondsSinceReferenceDate) {
+  return {.dates = dates, .documentsDirectory = URL::fromFilePath("/now/Documents")};
+}
+
+/// How a form reads and is written again, or why it does not read.
+template <class Union>
+std::string again(std::string_view json) {
+  const auto decoded = foundation::decodeJSON<Union>(json, options());
+  if (!decoded) return decoded.error().path + ": " + decoded.error().description;
+  return std::to_string(decoded->form.index()) + foundation::encodeJSON(*decoded);
+}
+
+struct Row {
+  std::string_view label;
+  std::string_view json;
+  /// The form's index and its JSON, or path and description of the error.
+  std::string_view want;
+};
+
+constexpr std::string_view kBoth =
+    R"({"mediaUrl":"https://a.example/m","address":"here","coords":{"lat":1,"lng":2.5},"locationType":"precise"})";
+
+TEST(BotAnswerValueDTO, TakesTheFirstFormThatFits) {
+  const Row rows[] = {
+      {"text", R"("plain")", R"(0"plain")"},
+      {"web address", R"("https://a.example/x")", R"(0"https://a.example/x")"},
+      {"file of an earlier install", R"("file:///old/a%20b.mp4")", R"(0"file:///now/Documents/a%20b.mp4")"},
+      {"file out of the directory", R"("file:///old/..")", R"(0"file:///old/..")"},
+      {"list", R"(["a","","file:///old/a"])", R"(1["a","","file:///old/a"])"},
+      {"empty list", "[]", "1[]"},
+      {"location", R"({"address":"here","coords":null,"locationType":"none","more":1})",
+       R"(2{"address":"here","locationType":"none"})"},
+      {"bundle", R"({"mediaUrl":"file:///old/a.tar","thumbnailUrl":"https://a.example/t"})",
+       R"(3{"mediaUrl":"file:///now/Documents/a.tar","thumbnailUrl":"https://a.example/t"})"},
+      {"bundle of another scheme stays", R"({"mediaUrl":"ftp://a.example/m","thumbnailUrl":null})",
+       R"(3{"mediaUrl":"ftp://a.example/m"})"},
+      {"bundle before location", kBoth, R"(3{"mediaUrl":"https://a.example/m"})"},
+      {"bundle of a broken URL", R"({"mediaUrl":"a b"})", ": expected a string, found an object"},
+      {"bundle of a file elsewhere", R"({"mediaUrl":"file:/etc/passwd"})", ": expected a string, found an object"},
+      {"bundle with a file above", R"({"mediaUrl":"https://a.example/m","thumbnailUrl":"file:///a/..%2Fb"})",
+       ": expected a string, found an object"},
+      {"location of half a coordinate", R"({"address":"a","locationType":"none","coords":{"lat":1}})",
+       ": expected a string, found an object"},
+      {"mixed list", R"(["a",1])", ": expected a string, found a list"},
+      {"number", "5", ": expected a string, found a number"},
+      {"null", "null", ": expected a string, found null"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(again<BotAnswerValueDTO>(row.json), row.want) << row.label;
+}
+
+TEST(BotAnswerKeyValueDTO, TakesTheFirstFormThatFits) {
+  const Row rows[] = {
+      {"one", R"({"key":"k","value":"file:///old/a"})", R"(0{"key":"k","value":"file:///old/a"})"},
+      {"list", R"([{"key":"k","value":"v"},{"key":"","value":""}])",
+       R"(1[{"key":"k","value":"v"},{"key":"","value":""}])"},
+      {"location before bundle", kBoth, R"(2{"address":"here","coords":{"lat":1,"lng":2.5},"locationType":"precise"})"},
+      {"bundle", R"({"mediaUrl":"https://a.example/m","key":"k","value":"v"})",
+       R"(3{"mediaUrl":"https://a.example/m"})"},
+      {"bare text", R"("v")", ": expected an object, found a string"},
+      {"no key", R"({"value":"v"})", "key: required key \"key\" is missing"},
+      {"value of another type", R"({"key":"k","value":5})", "value: expected a string, found a number"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(again<BotAnswerKeyValueDTO>(row.json), row.want) << row.label;
+}
+
+BotAPIAnswerDTO fullAnswer() {
+  return {
+      .value = {"yes"},
+      .keyValue = {KeyValue{"y", "yes"}},
+      .location = LocationSnapshotDTO{{-89.65, 39.8}, "Point"},
+      .iterationId = 3,
+      .messageId = "message",
+      .moduleId = "module",
+      .type = "select_one",
+      .locationType = "precise",
+      .context = "cv",
+      .answeredAt = foundation::Date::fromSecondsSince1970(1'717'761'600.25),
+      .wasSynced = false,
+  };
+}
+
+TEST(BotAPIAnswerDTO, HasItsWireForm) {
+  constexpr std::string_view kJSON =
+      R"({"value":"yes","keyValue":{"key":"y","value":"yes"},"location":{"coordinates":[-89.65,39.8],"type":"Point"},)"
+      R"("iterationId":3,"messageId":"message","moduleId":"module","type":"select_one","locationType":"precise",)"
+      R"("context":"cv","answeredAt":"2024-06-07T12:00:00.250Z","wasSynced":false})";
+  const BotAPIAnswerDTO answer = fullAnswer();
+  const auto decoded = foundation::decodeJSON<BotAPIAnswerDTO>(kJSON, options(DecodingOptions::Dates::answers));
+  ASSERT_TRUE(decoded) << decoded.error().path << decoded.error().description;
+  EXPECT_EQ(*decoded, answer);
+
+  BotAPIAnswerDTO bare = answer;
+  bare.location = {};
+  bare.type = {};
+  bare.context = {};
+  bare.wasSynced = {};
+  constexpr std::string_view kBare =
+      R"({"value":"yes","keyValue":{"key":"y","value":"yes"},"iterationId":3,"messageId":"message",)"
+      R"("moduleId":"module","locationType":"precise","answeredAt":739454400.25})";
+  EXPECT_EQ(foundation::encodeJSON(bare), kBare);
+  EXPECT_EQ(foundation::decodeJSON<BotAPIAnswerDTO>(kBare, options()), bare);
+}
+
+TEST(BotAPIAnswerDTO, ComesAsHistoryAndAsAFile) {
+  const std::vector<BotAPIAnswerDTO> answers(2, fullAnswer());
+  std::string file = foundation::encodeJSON(answers);
+  EXPECT_EQ(foundation::decodeJSON<std::vector<BotAPIAnswerDTO>>(file, options()), answers);
+  EXPECT_EQ(foundation::decodeJSON<AnswersHistoryResponse>(R"({"answers":)" + file + "}", options())->answers, answers);
+
+  const auto error = [](std::string_view json) {
+    const auto decoded = foundation::decodeJSON<std::vector<BotAPIAnswerDTO>>(json, options());
+    return decoded ? "" : decoded.error().path;
+  };
+  const std::string_view required[] = {"value",    "keyValue",     "iterationId", "messageId",
+                                       "moduleId", "locationType", "answeredAt"};
+  for (const std::string_view key : required) {
+    std::string without = file;
+    without.replace(without.find("\"" + std::string(key) + "\":"), key.size() + 3, "\"x\":");
+    EXPECT_EQ(error(without), "[0]." + std::string(key));
+  }
+  EXPECT_EQ(error(R"([{"value":[1]}])"), "[0].value");
+}
+
+}  // namespace
+}  // namespace kestrom::models
