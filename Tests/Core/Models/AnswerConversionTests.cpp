@@ -264,6 +264,26 @@ TEST(AnswerConversion, GivesTheChatItsFormBack) {
   }
 }
 
+/// What the sync delivers is what the first attempt would have sent.
+TEST(AnswerConversion, DeliversAKeptAnswerAsItWasGiven) {
+  const BotAnswer given[] = {
+      answerOf({Value::String{"red", "k"}}, Type::regular),
+      answerOf({Value::StringArray{{{"B", "b"}, {"A", "a"}}}}, Type::regular),
+      answerOf({Value::Url{kFile, "k", true}}, Type::url),
+      answerOf({Value::MediaBundle{kFile, kWeb, true}}, Type::mediaBundle),
+      answerOf({}, Type::automaticallyContinueWithNextMessage),
+      answerOf({}, Type::location, kPrecise),
+      answerOf({}, Type::location, kRelative),
+      answerOf({}, Type::location),
+  };
+  for (const BotAnswer& answer : given) {
+    const BotAPIAnswerDTO first = apiAnswer(answer, false);
+    const auto back = botAnswer(first, kDocuments);
+    ASSERT_TRUE(back) << foundation::encodeJSON(first);
+    EXPECT_EQ(apiAnswer(*back, false), first) << foundation::encodeJSON(first);
+  }
+}
+
 TEST(AnswerConversion, FindsTheLocationOfAKeptAnswer) {
   struct Row {
     std::string_view label;

@@ -132,5 +132,61 @@ TEST(BotAPIAnswerDTO, ComesAsHistoryAndAsAFile) {
   EXPECT_EQ(error(R"([{"value":[1]}])"), "[0].value");
 }
 
+/// A file as the device writes it: reading and writing it changes no byte.
+constexpr std::string_view kFile =
+    R"([{"value":"red \"1\"","keyValue":{"key":"k","value":"red \"1\""},"location":{"coordinates":[13.25,52.5],)"
+    R"("type":"Point"},"iterationId":0,"messageId":"n1","moduleId":"m1","type":"text","locationType":"precise",)"
+    R"("context":"cv_utilities.na.skip_cv","answeredAt":721692800.25,"wasSynced":true},)"
+    R"({"value":["B","A"],"keyValue":[{"key":"b","value":"B"},{"key":"a","value":"A"}],"iterationId":2,)"
+    R"("messageId":"n2","moduleId":"m1","locationType":"none","answeredAt":721692801,"wasSynced":false},)"
+    R"({"value":{"mediaUrl":"file:///now/Documents/v.mp4","thumbnailUrl":"https://a.example/t.jpeg"},)"
+    R"("keyValue":{"mediaUrl":"file:///now/Documents/v.mp4","thumbnailUrl":"https://a.example/t.jpeg"},)"
+    R"("iterationId":-1,"messageId":"n3","moduleId":"","type":"panorama","locationType":"none","answeredAt":-0.5},)"
+    R"({"value":{"address":"5 Elm St","coords":{"lat":52.5,"lng":13.25},"locationType":"relative"},)"
+    R"("keyValue":{"address":"5 Elm St","coords":{"lat":52.5,"lng":13.25},"locationType":"relative"},)"
+    R"("location":{"coordinates":[],"type":""},"iterationId":9223372036854775807,"messageId":"n4","moduleId":"m",)"
+    R"("locationType":"relative","answeredAt":721692800.1234567}])";
+
+TEST(BotAPIAnswerDTO, KeepsTheDeviceFileByteForByte) {
+  using Answers = std::vector<BotAPIAnswerDTO>;
+  const auto decoded = foundation::decodeJSON<Answers>(kFile, options());
+  ASSERT_TRUE(decoded) << decoded.error().path << ": " << decoded.error().description;
+  EXPECT_EQ(foundation::encodeJSON(*decoded), kFile);
+
+  // The dates of the file are not taken for those of the wire, nor the reverse.
+  const auto wire = options(DecodingOptions::Dates::answers);
+  EXPECT_EQ(foundation::decodeJSON<Answers>(kFile, wire).error().path, "[0].answeredAt");
+  const std::string sent = foundation::encodeJSON(*decoded, foundation::DateStrategy::iso8601);
+  EXPECT_EQ(foundation::decodeJSON<Answers>(sent, options()).error().path, "[0].answeredAt");
+}
+
+TEST(BotAPIAnswerDTO, TellsWhereADocumentIsWrong) {
+  struct Fault {
+    std::string_view part;
+    std::string_view instead;
+    std::string_view path;
+  };
+  constexpr Fault kFaults[] = {
+      {R"(,"value":"red)", R"(,"text":"red)", "[0].keyValue.value"},
+      {R"({"key":"b")", R"({"key":true)", "[1].keyValue"},
+      {R"("type":"Point")", R"("type":null)", "[0].location.type"},
+      {R"([13.25,52.5])", R"([13.25,"52.5"])", "[0].location.coordinates[1]"},
+      {R"([13.25,52.5])", R"(13.25)", "[0].location.coordinates"},
+      {R"("iterationId":-1)", R"("iterationId":-1.5)", "[2].iterationId"},
+      {"9223372036854775807", "9223372036854775808", "[3].iterationId"},
+      {R"("type":"panorama")", R"("type":5)", "[2].type"},
+      {R"("wasSynced":false)", R"("wasSynced":0)", "[1].wasSynced"},
+      {"721692801", "1e999", "[1].answeredAt"},
+      {R"({"mediaUrl":"file:///now/Documents/v.mp4")", R"({"mediaUrl":"file:///now/..")", "[2].value"},
+  };
+  for (const Fault& fault : kFaults) {
+    std::string json(kFile);
+    json.replace(json.find(fault.part), fault.part.size(), fault.instead);
+    const auto decoded = foundation::decodeJSON<std::vector<BotAPIAnswerDTO>>(json, options());
+    ASSERT_FALSE(decoded) << json;
+    EXPECT_EQ(decoded.error().path, fault.path) << json;
+  }
+}
+
 }  // namespace
 }  // namespace kestrom::models

@@ -109,5 +109,15 @@ TEST(Message, TellsAnalyticsTheQuestion) {
   EXPECT_EQ(phaseOfModule("Intro"), "middle");
 }
 
+/// The chat is rebuilt after each answer and shows what changed: the same picture, decoded anew, is no change.
+TEST(Message, ComparesPicturesByTheirContent) {
+  const auto photo = [](foundation::Bytes pixels) {
+    const imaging::Image image{1, 1, std::make_shared<const foundation::Bytes>(std::move(pixels))};
+    return Message{UserPhotoMessage{"id", {UserPhotoMessage::State::SuccessData{image}}, {}, false, false}};
+  };
+  EXPECT_TRUE(photo({1, 2, 3, 255}) == photo({1, 2, 3, 255}));
+  EXPECT_FALSE(photo({1, 2, 3, 255}) == photo({1, 2, 4, 255}));
+}
+
 }  // namespace
 }  // namespace kestrom::models
