@@ -1,0 +1,3 @@
+kestrom_fuzzer(kestrom_answers_fuzzer
+  SOURCES AnswersFuzzer.cpp
+  DEPENDS kestrom_models)
