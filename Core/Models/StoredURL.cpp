@@ -10,9 +10,8 @@ std::optional<foundation::URL> storedURL(std::string_view text, const foundation
   if (!url || (!namesFile && !url->isFileURL())) return url;
 
   const std::string name = url->lastPathComponent();
-  const bool leavesDirectory = name == "." || name == ".." || name.find('\0') != std::string::npos ||
-                               (name != "/" && name.find('/') != std::string::npos);
-  if (leavesDirectory) return std::nullopt;
+  const bool isFileName = !name.empty() && name != "." && name != ".." && !name.contains('/') && !name.contains('\0');
+  if (!isFileName) return std::nullopt;
   return documentsDirectory.appendingPathComponent(name);
 }
 
