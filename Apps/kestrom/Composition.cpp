@@ -1,17 +1,16 @@
 #include "Apps/kestrom/Composition.hpp"
 
 #include "Platform/Foundation/Calendar.hpp"
+#include "Platform/Foundation/Clock.hpp"
 #include "Platform/Foundation/UUID.hpp"
 #include "Platform/Imaging/ImageCodec.hpp"
 
-#include <chrono>
 #include <utility>
 
 namespace kestrom::app {
 
 foundation::Date systemTime() {
-  const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-  return foundation::Date::fromSecondsSince1970(sinceEpoch.count());
+  return foundation::SystemClock().now();
 }
 
 services::ConversationConversion makeConversion(std::shared_ptr<const foundation::JSONDocument> rawCase, Now now) {
