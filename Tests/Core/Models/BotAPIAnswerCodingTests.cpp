@@ -101,10 +101,10 @@ TEST(BotAPIAnswerDTO, HasItsWireForm) {
   EXPECT_EQ(*decoded, answer);
 
   BotAPIAnswerDTO bare = answer;
-  bare.location = {};
-  bare.type = {};
-  bare.context = {};
-  bare.wasSynced = {};
+  bare.location.reset();
+  bare.type.reset();
+  bare.context.reset();
+  bare.wasSynced.reset();
   constexpr std::string_view kBare =
       R"({"value":"yes","keyValue":{"key":"y","value":"yes"},"iterationId":3,"messageId":"message",)"
       R"("moduleId":"module","locationType":"precise","answeredAt":739454400.25})";
