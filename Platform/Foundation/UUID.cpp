@@ -8,8 +8,9 @@
 namespace kestrom::foundation {
 
 std::string makeUUIDString() {
-  // Seeded once a thread from the system's entropy.
-  static thread_local boost::uuids::random_generator generator;
+  // Seeded once a thread from the system's entropy: a request of it for each identifier would cost more than the row of
+  // the chat that carries it.
+  static thread_local boost::uuids::random_generator_mt19937 generator;
   std::string text = boost::uuids::to_string(generator());
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'a' && c <= 'f' ? c - 'a' + 'A' : c; });
