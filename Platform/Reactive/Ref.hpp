@@ -24,8 +24,10 @@ class RefCounted {
   friend class Ref;
 
   void retain() const noexcept {
-    if (isSingleThreaded()) {
-      _count.store(_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    // A new object is not known to others yet, so its first reference needs no exchange with them either.
+    const std::size_t count = _count.load(std::memory_order_relaxed);
+    if (count == 0 || isSingleThreaded()) {
+      _count.store(count + 1, std::memory_order_relaxed);
     } else {
       _count.fetch_add(1, std::memory_order_relaxed);
     }

@@ -6,14 +6,12 @@
 namespace kestrom::reactive {
 
 void Scope::cancel() {
+  // Mostly the token of what has finished by itself.
+  if (isCancelled()) return awaitDelivery();
   std::vector<std::pair<TeardownId, Teardown>> teardowns;
   {
     const std::lock_guard lock(_mutex);
-    if (_isCancelled.exchange(true, std::memory_order_seq_cst)) {
-      teardowns.clear();
-    } else {
-      teardowns = std::exchange(_teardowns, {});
-    }
+    if (!_isCancelled.exchange(true, std::memory_order_seq_cst)) teardowns = std::exchange(_teardowns, {});
   }
   awaitDelivery();
   while (!teardowns.empty()) {
@@ -62,11 +60,13 @@ Ref<Scope> Scope::makeChild(const Ref<Scope>& parent) {
   const std::lock_guard lock(child->_mutex);
   if (child->isCancelled()) return child;
   child->_parent = parent;
+  child->_hasParent.store(true, std::memory_order_release);
   child->_idInParent = id;
   return child;
 }
 
 void Scope::detachFromParent() {
+  if (!_hasParent.load(std::memory_order_acquire)) return;
   Ref<Scope> parent;
   {
     const std::lock_guard lock(_mutex);

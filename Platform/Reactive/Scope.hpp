@@ -70,6 +70,7 @@ class Scope : public CancelTarget {
   std::mutex _mutex;
   std::vector<std::pair<TeardownId, Teardown>> _teardowns;
   TeardownId _lastId = 0;
+  std::atomic<bool> _hasParent = false;
   Ref<Scope> _parent;
   TeardownId _idInParent = 0;
 };
