@@ -14,6 +14,7 @@ using foundation::FileError;
 using foundation::URL;
 
 std::expected<std::string, std::string> readFile(const std::string& path, std::size_t limit) {
+  if (path.empty()) return std::unexpected("a file needs a name");
   const auto wordsOf = [](FileError& error) { return std::unexpected(std::move(error.message)); };
   // A stream rather than the file manager: what is named may be a pipe, whose size nobody knows.
   foundation::FileInputStream stream(URL::fromFilePath(path));

@@ -28,14 +28,12 @@ void encodeForm(const Union& in, JSONWriter& writer) {
   std::visit([&]<class Form>(const Form& form) { Coder<Form>::encode(form, writer); }, in.form);
 }
 
-/// A file elsewhere than in the documents directory is refused: a kept medium is uploaded from where its address says.
+/// What the rule for stored addresses does not take stays as it is.
 void decodeMediaURL(URL& out, JSONValue value, DecodingContext& context) {
   Coder<URL>::decode(out, value, context);
   if (context.isStopped()) return;
   if (auto stored = models::storedURL(out.absoluteString(), context.options().documentsDirectory)) {
     out = std::move(*stored);
-  } else if (out.isFileURL()) {
-    context.fail(DecodingError::Kind::dataCorrupted, "the address of a file outside of the documents directory");
   }
 }
 

@@ -39,6 +39,8 @@ struct Coder<Case::Value> {
 };
 
 static void decodeNode(void* list, JSONValue element, DecodingContext& context);
+static void decodeArm(void* list, JSONValue element, DecodingContext& context);
+static void decodeGuard(void* list, JSONValue element, DecodingContext& context);
 
 /// A list of nodes waits for its turn, so that a deep template takes no deep stack.
 template <>
@@ -47,6 +49,23 @@ struct Coder<NodeList> {
     if (!value.isArray()) return failType(context, value, "a list");
     out.reserve(std::min(value.size(), kMaximumReserve));
     context.defer(value, &out, &decodeNode, BotTemplate::kMaximumNesting);
+  }
+};
+
+/// What holds lists of nodes waits too: a list that waits must not be moved by those that come after it.
+template <>
+struct Coder<std::vector<AdventureNode>> {
+  static void decode(std::vector<AdventureNode>& out, JSONValue value, DecodingContext& context) {
+    if (!value.isArray()) return failType(context, value, "a list");
+    context.defer(value, &out, &decodeArm);
+  }
+};
+
+template <>
+struct Coder<std::vector<ConditionalNode>> {
+  static void decode(std::vector<ConditionalNode>& out, JSONValue value, DecodingContext& context) {
+    if (!value.isArray()) return failType(context, value, "a list");
+    context.defer(value, &out, &decodeGuard);
   }
 };
 
@@ -112,6 +131,14 @@ template <>
 struct Coding<BotTemplate> {
   static constexpr std::array kFields{field<&BotTemplate::sequence>("sequence")};
 };
+
+static void decodeArm(void* list, JSONValue element, DecodingContext& context) {
+  Coder<AdventureNode>::decode(static_cast<std::vector<AdventureNode>*>(list)->emplace_back(), element, context);
+}
+
+static void decodeGuard(void* list, JSONValue element, DecodingContext& context) {
+  Coder<ConditionalNode>::decode(static_cast<std::vector<ConditionalNode>*>(list)->emplace_back(), element, context);
+}
 
 static void decodeNode(void* list, JSONValue element, DecodingContext& context) {
   Coder<BotNode>::decode(static_cast<NodeList*>(list)->append(), element, context);

@@ -3,6 +3,7 @@
 #include "Platform/Foundation/DateText.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace kestrom::foundation {
@@ -118,7 +119,13 @@ void Coder<double>::decode(double& out, JSONValue value, DecodingContext& contex
 
 void Coder<Date>::decode(Date& out, JSONValue value, DecodingContext& context) {
   if (context.options().dates == DecodingOptions::Dates::secondsSinceReferenceDate) {
-    return Coder<double>::decode(out.secondsSinceReferenceDate, value, context);
+    Coder<double>::decode(out.secondsSinceReferenceDate, value, context);
+    // The farthest moment whose milliseconds are still told apart.
+    constexpr double kFarthest = 9e12;
+    if (std::abs(out.secondsSinceReferenceDate) > kFarthest) {
+      context.fail(DecodingError::Kind::dataCorrupted, "the number " + value.numberText() + " is no moment");
+    }
+    return;
   }
   if (!value.isString()) return failType(context, value, "a date text");
   const auto date = parseAnswerDate(value.string());

@@ -37,8 +37,7 @@ struct FieldCoding {
   std::string_view key;
   bool isRequired;
   void (*decode)(void* record, JSONValue value, DecodingContext& context);
-  /// Writes key and value; nothing when the value is absent.
-  /// Absent for a member that is only ever read.
+  /// Writes key and value; nothing when the value is absent. Null for a member that is only ever read.
   void (*encode)(const void* record, std::string_view key, JSONWriter& writer);
   /// Whether `encode` is there. Apart from it, because under the sanitizers g++ 12 compares no pointer to a function in
   /// a constant expression.

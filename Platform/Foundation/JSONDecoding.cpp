@@ -29,15 +29,16 @@ void DecodingContext::fail(DecodingError::Kind kind, std::string description, st
   if (key.data() != nullptr) leave();
 }
 
-void DecodingContext::defer(JSONValue array, void* list, DecodeElement decodeElement, std::size_t maximumNesting) {
-  if (_level >= maximumNesting) {
+void DecodingContext::defer(JSONValue array, void* list, DecodeElement decodeElement,
+                            std::optional<std::size_t> maximumNesting) {
+  if (maximumNesting && _level >= *maximumNesting) {
     fail(DecodingError::Kind::nestingTooDeep,
-         "lists nest deeper than the limit of " + std::to_string(maximumNesting) + " levels");
+         "lists nest deeper than the limit of " + std::to_string(*maximumNesting) + " levels");
     return;
   }
+  const std::size_t level = maximumNesting ? _level + 1 : _level;
   const auto own = _path.begin() + static_cast<std::ptrdiff_t>(_elementPath);
-  _deferred.push_back(
-      {array.begin(), array.end(), list, decodeElement, 0, _level + 1, _elementPath, {own, _path.end()}});
+  _deferred.push_back({array.begin(), array.end(), list, decodeElement, 0, level, _elementPath, {own, _path.end()}});
 }
 
 void DecodingContext::runDeferred() {

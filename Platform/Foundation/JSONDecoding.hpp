@@ -87,8 +87,12 @@ class DecodingContext {
     return succeeded;
   }
 
-  /// Decodes the elements of `array` into `list` once the present element is done. `list` must stay where it is.
-  void defer(JSONValue array, void* list, DecodeElement decodeElement, std::size_t maximumNesting);
+  /// Decodes the elements of `array` into `list` once the present element is done; each element, with all that it
+  /// defers itself, before the next one. So `list` may move its elements as it grows, but must itself stay where it is
+  /// until then. `maximumNesting` bounds lists that hold lists of their own kind; without it the list counts as no
+  /// level.
+  void defer(JSONValue array, void* list, DecodeElement decodeElement,
+             std::optional<std::size_t> maximumNesting = std::nullopt);
 
   /// Decodes what was deferred, and what that defers, until nothing is left or the run has stopped.
   void runDeferred();

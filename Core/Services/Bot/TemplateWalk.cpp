@@ -18,12 +18,14 @@ using models::NodeList;
 
 namespace {
 
-/// How much one walk may do, in nodes visited, guards and cases met, and messages and choices made. An answered
-/// question costs two steps, and what leads to it a few more; only lists that repeat within each other without
-/// consuming answers double the walk at each level, and would hang the host. A million steps are some hundred megabytes
-/// of messages.
-constexpr std::size_t kStepsBesideAnswers = 1'000'000;
-constexpr std::size_t kStepsForAnswer = 8;
+/// How much one walk may do, in units of one case of a guard. An answered question costs a visit and a message; only
+/// lists that repeat within each other without consuming answers double the walk at each level, and would hang the
+/// host. Beside what its answers cost a walk may visit four million nodes, more than any document holds, or test 64
+/// million cases, or make 800,000 messages, some hundred megabytes.
+constexpr std::size_t kUnitsOfVisit = 16;
+constexpr std::size_t kUnitsOfMessage = 64;
+constexpr std::size_t kUnitsBesideAnswers = 64'000'000;
+constexpr std::size_t kUnitsForAnswer = 2 * (kUnitsOfVisit + kUnitsOfMessage);
 
 /// From this many arms on a table of their keys is worth its making.
 constexpr std::size_t kManyArms = 8;
@@ -78,9 +80,9 @@ ConversationDTO TemplateWalk::run(const NodeList& modules) {
 
 /// Walks what has been entered to its end.
 TemplateWalk::Flow TemplateWalk::follow() {
-  const std::size_t limit = kStepsBesideAnswers + kStepsForAnswer * _answers.size();
+  const std::size_t limit = kUnitsBesideAnswers + kUnitsForAnswer * _answers.size();
   while (!_frames.empty()) {
-    if (_steps > limit) return Flow::stop;
+    if (_units > limit) return Flow::stop;
     const Flow flow = std::visit([this](auto& frame) { return resume(frame); }, _frames.back());
     if (flow == Flow::stop) return flow;
   }
@@ -93,7 +95,7 @@ TemplateWalk::Flow TemplateWalk::leave() {
 }
 
 TemplateWalk::Flow TemplateWalk::visit(WalkedNode node, Place place) {
-  ++_steps;
+  _units += kUnitsOfVisit;
   if (node->sequence) {
     place.module = node.node;
     enterSequence(*node->sequence, *node.node, place);
@@ -124,7 +126,7 @@ TemplateWalk::Flow TemplateWalk::visitBranching(WalkedNode node, const Place& pl
   // The answer remains: the node gives the same answer wherever it stands again.
   answered(answer, node.text(), place.details(node));
 
-  for (const ConditionalNode& guard : *node->branches) _steps += 1 + guard.cases.size();
+  for (const ConditionalNode& guard : *node->branches) _units += 1 + guard.cases.size();
   const ConditionalNode::Branch* branch = selectBranch(_answers[answer], *node.node, *node->branches);
   if (branch) enterSequence(branch->sequence, *node.node, place);
   return Flow::goOn;
@@ -180,7 +182,7 @@ TemplateWalk::Flow TemplateWalk::visitMenu(WalkedNode node, const Place& place) 
   const std::size_t start = _given.size();
   _remaining.appendRemaining(node->id, _given);
   const std::size_t count = _given.size() - start;
-  _steps += count;
+  _units += count;
   if (count == 0) {
     _transcript.appendQuestion({node, place.module, 0});
     return Flow::stop;
@@ -247,7 +249,7 @@ std::uint32_t TemplateWalk::lookUp(const BotNode& node, const Place& place) cons
 }
 
 void TemplateWalk::answered(std::uint32_t answer, std::string_view text, const NodeDetails& details) {
-  ++_steps;
+  _units += kUnitsOfMessage;
   _remaining.noteMessage(answer, static_cast<std::uint32_t>(_transcript.messages().size()));
   _transcript.appendAnswered(_answers[answer], text, details);
 }

@@ -90,7 +90,7 @@ class TemplateWalk {
   Transcript _transcript;
   std::vector<std::variant<SequenceFrame, MenuFrame>> _frames;
   std::vector<std::uint32_t> _given;
-  std::size_t _steps = 0;
+  std::size_t _units = 0;
 };
 
 }  // namespace kestrom::services

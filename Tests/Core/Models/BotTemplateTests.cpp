@@ -175,6 +175,31 @@ TEST(BotTemplate, TellsEveryErrorInTheOrderOfTheDocument) {
                    }));
 }
 
+/// A list of `count` times `element`.
+std::string listOf(std::size_t count, std::string_view element) {
+  std::string text = "[";
+  for (std::size_t index = 0; index < count; ++index) text += (index == 0 ? "" : ",") + std::string(element);
+  return text + "]";
+}
+
+TEST(BotTemplate, KeepsWhatLongListsHold) {
+  const std::size_t count = 3000;
+  const std::string nodes = R"({"sequence":[{"type":"bot","key":"k","id":"leaf"}]})";
+  const BotNode node = nodeOf(
+      R"("adventures":)" + listOf(count, R"({"value":"v","key":"a","adventure":)" + nodes + "}") + R"(,"branches":)" +
+      listOf(count, R"({"logicalOperator":"AND","cases":[],"branch":)" + nodes + "}") + R"(,"sequence":)" +
+      listOf(count, R"({"type":"bot","key":"k","id":"i","sequence":[{"type":"bot","key":"k","id":"leaf"}]})"));
+  ASSERT_TRUE(node.adventures && node.branches && node.sequence);
+  ASSERT_EQ(node.adventures->size(), count);
+  ASSERT_EQ(node.branches->size(), count);
+  ASSERT_EQ(node.sequence->size(), count);
+  for (std::size_t index = 0; index < count; ++index) {
+    ASSERT_EQ((*node.adventures)[index].adventure.sequence.front().id, "leaf");
+    ASSERT_EQ((*node.branches)[index].branch->sequence.front().id, "leaf");
+    ASSERT_EQ((*node.sequence)[index].sequence->front().id, "leaf");
+  }
+}
+
 /// A template whose node lists nest `levels` deep through `open` and `close`.
 std::string nested(std::size_t levels, std::string_view open, std::string_view close) {
   std::string text = R"({"sequence":[)";
