@@ -6,9 +6,11 @@ target_compile_options(kestrom_options INTERFACE
   $<BUILD_INTERFACE:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual>
   # g++ 12 warns of overlapping copies inside std::string that cannot happen (its bug 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  # Under the sanitizers it takes the empty state of std::optional for an uninitialised value.
-  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<BOOL:${KESTROM_SANITIZE}>>:-Wno-maybe-uninitialized>
   $<$<BOOL:${KESTROM_WARNINGS_AS_ERRORS}>:-Werror>)
+if(KESTROM_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Under the sanitizers it takes the empty state of std::optional for an uninitialised value.
+  target_compile_options(kestrom_options INTERFACE -Wno-maybe-uninitialized)
+endif()
 if(KESTROM_SANITIZE)
   target_compile_options(kestrom_options INTERFACE -fsanitize=${KESTROM_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(kestrom_options INTERFACE -fsanitize=${KESTROM_SANITIZE})
