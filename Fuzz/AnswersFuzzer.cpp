@@ -19,10 +19,12 @@ void require(bool holds) {
   if (!holds) std::abort();
 }
 
-/// Dates of the wire are written in whole seconds, and only those of years with four digits.
+/// Dates of the wire are written in whole seconds, and only those of years with four digits. A fraction that is lost in
+/// the sum of the seconds since 1970 is none that the text could carry.
 bool hasExactText(foundation::Date date) {
   const double seconds = date.secondsSince1970();
-  return std::abs(seconds) < 1e10 && std::trunc(seconds) == seconds;
+  return std::abs(seconds) < 1e10 && std::trunc(seconds) == seconds &&
+         foundation::Date::fromSecondsSince1970(seconds) == date;
 }
 
 template <class Document>
