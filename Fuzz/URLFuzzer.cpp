@@ -1,7 +1,7 @@
 // A text is a URL exactly when the grammar says so, stays as it was given, and what is built from it is one too.
 
 #include "Fuzz/URLGrammar.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Foundation/URLComponents.hpp"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "Apps/kestrom/CaptureInput.hpp"
 
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Foundation/Text.hpp"
-#include "Platform/Foundation/URL.hpp"
 
 #include <algorithm>
 #include <array>

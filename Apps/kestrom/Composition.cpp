@@ -1,7 +1,7 @@
 #include "Apps/kestrom/Composition.hpp"
 
+#include "Kestrom/Platform/Clock.hpp"
 #include "Platform/Foundation/Calendar.hpp"
-#include "Platform/Foundation/Clock.hpp"
 #include "Platform/Foundation/UUID.hpp"
 #include "Platform/Imaging/ImageCodec.hpp"
 

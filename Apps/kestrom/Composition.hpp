@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Services/Bot/ConversationConversion.hpp"
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
 
 #include <functional>

@@ -2,8 +2,8 @@
 
 #include "Core/Models/BotAPIAnswerDTO.hpp"
 #include "Core/Models/BotTemplate.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
-#include "Platform/Foundation/URL.hpp"
 
 #include <expected>
 #include <iosfwd>

@@ -10,8 +10,8 @@
 #include "Core/Models/NativeBotEngineAnswerDTO.hpp"
 #include "Core/Services/Bot/ChatBot.hpp"
 #include "Core/Services/Bot/ConversationConversion.hpp"
-#include "Platform/Foundation/Date.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/Date.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/Models/LocationSnapshotDTO.hpp"
-#include "Platform/Foundation/Date.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/Date.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <cstdint>
 #include <optional>

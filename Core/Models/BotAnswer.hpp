@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Foundation/Date.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/Date.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Imaging/Image.hpp"
 
 #include <cstdint>

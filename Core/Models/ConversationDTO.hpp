@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Foundation/Bytes.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/Bytes.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <cstdint>
 #include <optional>

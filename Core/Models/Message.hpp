@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/Models/ChatInputTrigger.hpp"
-#include "Platform/Foundation/Date.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/Date.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Imaging/Image.hpp"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <optional>
 #include <string_view>

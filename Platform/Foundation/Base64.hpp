@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/Bytes.hpp"
+#include "Kestrom/Platform/Bytes.hpp"
 
 #include <cstdint>
 #include <optional>

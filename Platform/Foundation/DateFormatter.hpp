@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 
 #include <memory>
 #include <optional>

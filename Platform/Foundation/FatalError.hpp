@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/LogSink.hpp"
+#include "Kestrom/Platform/LogSink.hpp"
 
 #include <string_view>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Foundation/FileError.hpp"
+#include "Kestrom/Platform/FileError.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Foundation/PosixFile.hpp"
-#include "Platform/Foundation/URL.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
+#include "Kestrom/Platform/URL.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
-#include "Platform/Foundation/URL.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 #include "Platform/Foundation/JSONDocument.hpp"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/LogSink.hpp"
+#include "Kestrom/Platform/LogSink.hpp"
 
 #include <cstdio>
 #include <string>

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/NotificationCenter.hpp"
+#include "Kestrom/Platform/NotificationCenter.hpp"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Foundation/FileError.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/FileError.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <cstddef>
 #include <cstdint>

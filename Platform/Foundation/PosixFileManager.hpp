@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/FileManager.hpp"
+#include "Kestrom/Platform/FileManager.hpp"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include "Platform/Foundation/PercentEncoding.hpp"
 

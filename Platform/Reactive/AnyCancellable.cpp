@@ -1,4 +1,4 @@
-#include "Platform/Reactive/AnyCancellable.hpp"
+#include "Kestrom/Platform/AnyCancellable.hpp"
 
 #include <algorithm>
 #include <atomic>

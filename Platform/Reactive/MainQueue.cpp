@@ -1,4 +1,6 @@
-#include "Platform/Reactive/MainQueue.hpp"
+#include "Kestrom/Platform/MainQueue.hpp"
+
+#include "Platform/Reactive/WorkQueue.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -7,6 +9,16 @@ namespace kestrom::reactive {
 
 TimePoint steadyNow() {
   return TimePoint(std::chrono::duration_cast<Duration>(std::chrono::steady_clock::now().time_since_epoch()));
+}
+
+MainQueue::MainQueue(std::function<TimePoint()> now) : _queue(makeRef<WorkQueue>()), _clock(std::move(now)) {}
+
+MainQueue::~MainQueue() {
+  _queue->clear();
+}
+
+std::optional<TimePoint> MainQueue::nextDueTime() const {
+  return _queue->nextDue();
 }
 
 void MainQueue::schedule(Work work) {

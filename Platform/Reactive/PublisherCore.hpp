@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/AnyCancellable.hpp"
-#include "Platform/Reactive/Scheduler.hpp"
+#include "Kestrom/Platform/AnyCancellable.hpp"
+#include "Kestrom/Platform/Scheduler.hpp"
 #include "Platform/Reactive/Subscriber.hpp"
 
 #include <concepts>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/AnyCancellable.hpp"
-#include "Platform/Reactive/SingleThreaded.hpp"
+#include "Kestrom/Platform/AnyCancellable.hpp"
+#include "Kestrom/Platform/SingleThreaded.hpp"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Reactive/MainQueue.hpp"
+#include "Kestrom/Platform/MainQueue.hpp"
 
 #include <string>
 #include <thread>

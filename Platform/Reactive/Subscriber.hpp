@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Reactive/Ref.hpp"
+#include "Kestrom/Platform/Ref.hpp"
 #include "Platform/Reactive/Scope.hpp"
 
 #include <concepts>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Reactive/Scheduler.hpp"
+#include "Kestrom/Platform/Scheduler.hpp"
 
 #include <cstdint>
 #include <map>

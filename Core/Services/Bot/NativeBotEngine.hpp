@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Services/Bot/ChatBot.hpp"
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 
 #include <functional>
 

@@ -6,7 +6,7 @@
 #include "Core/Services/Bot/AnswerIndex.hpp"
 #include "Core/Services/Bot/FlatIndex.hpp"
 #include "Core/Services/Bot/Transcript.hpp"
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "Core/Models/BotTemplate.hpp"
 #include "Core/Models/ConversationDTO.hpp"
 #include "Core/Models/NativeBotEngineAnswerDTO.hpp"
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Platform/Date.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "Platform/Foundation/FileStreams.hpp"
 
-#include "Platform/Foundation/Bytes.hpp"
+#include "Kestrom/Platform/Bytes.hpp"
 #include "Tests/Platform/Foundation/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>

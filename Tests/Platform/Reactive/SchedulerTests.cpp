@@ -1,5 +1,5 @@
+#include "Kestrom/Platform/MainQueue.hpp"
 #include "Platform/Reactive/Combining.hpp"
-#include "Platform/Reactive/MainQueue.hpp"
 #include "Platform/Reactive/ManualScheduler.hpp"
 #include "Platform/Reactive/Publisher.hpp"
 #include "Platform/Reactive/SerialQueue.hpp"

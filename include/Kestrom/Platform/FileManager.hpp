@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/Foundation/Bytes.hpp"
-#include "Platform/Foundation/FileError.hpp"
-#include "Platform/Foundation/URL.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/Bytes.hpp"
+#include "Kestrom/Platform/FileError.hpp"
+#include "Kestrom/Platform/URL.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +15,7 @@ namespace kestrom::foundation {
 
 /// The file system as the kit sees it. A URL that is no file URL of this device is an error of kind `other`. All calls
 /// are done when they return and may come from any thread; two at once for one file are the callers' affair.
-class FileManager {
+class KESTROM_API FileManager {
  public:
   virtual ~FileManager() = default;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kestrom/Export.hpp"
+
 #include <cstdint>
 #include <string_view>
 
@@ -8,7 +10,7 @@ namespace kestrom::foundation {
 enum class LogLevel : std::uint8_t { info, error };
 
 /// Where log lines go. Called from any thread.
-class LogSink {
+class KESTROM_API LogSink {
  public:
   virtual ~LogSink() = default;
 
@@ -17,7 +19,7 @@ class LogSink {
 };
 
 /// Writes each line to the standard error stream, whole lines even when threads write at once.
-class StandardErrorLogSink final : public LogSink {
+class KESTROM_API StandardErrorLogSink final : public LogSink {
  public:
   void write(LogLevel level, std::string_view line) override;
 };

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Kestrom/Export.hpp"
+
 #include <cstdint>
 #include <string>
 
 namespace kestrom::foundation {
 
 /// Why something could not be done with a file.
-struct FileError {
+struct KESTROM_API FileError {
   enum class Kind : std::uint8_t {
     /// There is no such file, or a directory of its path is missing or is no directory.
     notFound,

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/Ref.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/Ref.hpp"
 
 #include <functional>
 #include <utility>
@@ -9,7 +10,7 @@
 namespace kestrom::reactive {
 
 /// What a token can end.
-class CancelTarget : public RefCounted {
+class KESTROM_API CancelTarget : public RefCounted {
  public:
   /// Any thread, any number of times.
   virtual void cancel() = 0;
@@ -21,7 +22,7 @@ class CancelTarget : public RefCounted {
 /// even what is already queued: a delivery that runs on another thread at that moment is waited for, one that runs on
 /// this very thread is the last. So a delivery must not wait for a thread that cancels it. A cancel from within a
 /// delivery of another subscription does not wait, since that one may be cancelling this one.
-class [[nodiscard]] AnyCancellable {
+class [[nodiscard]] KESTROM_API AnyCancellable {
  public:
   AnyCancellable() = default;
   explicit AnyCancellable(Ref<CancelTarget> target) : _target(std::move(target)) {}
@@ -45,7 +46,7 @@ class [[nodiscard]] AnyCancellable {
 };
 
 /// The tokens that an object holds: they end with it. Used by one thread. Forgets by itself what is done.
-class Cancellables {
+class KESTROM_API Cancellables {
  public:
   Cancellables() = default;
   Cancellables(const Cancellables&) = delete;

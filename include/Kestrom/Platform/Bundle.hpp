@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kestrom/Export.hpp"
+
 #include <functional>
 #include <map>
 #include <optional>
@@ -10,7 +12,7 @@
 namespace kestrom::foundation {
 
 /// What a packaged piece of software tells of itself: the host application or the kit. Any thread.
-class Bundle {
+class KESTROM_API Bundle {
  public:
   virtual ~Bundle() = default;
 
@@ -20,7 +22,7 @@ class Bundle {
 };
 
 /// A bundle whose information a host hands over, for systems that keep none.
-class MapBundle final : public Bundle {
+class KESTROM_API MapBundle final : public Bundle {
  public:
   using Values = std::map<std::string, std::string, std::less<>>;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kestrom/Export.hpp"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,7 +10,7 @@ namespace kestrom::foundation {
 
 /// A URL as RFC 3986 has it: its text, known to parse. Value type; any thread.
 /// The text is kept exactly as it was given: nothing is normalised, decoded or re-encoded.
-class URL {
+class KESTROM_API URL {
  public:
   /// Parses an absolute URL or a relative reference. Absent when `text` is no RFC 3986 URI reference: a blank, a
   /// character outside ASCII, a control character, a bad percent escape. The empty text is absent too.

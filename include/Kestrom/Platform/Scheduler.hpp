@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/AnyCancellable.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/AnyCancellable.hpp"
 
 #include <chrono>
 #include <functional>
@@ -23,7 +24,7 @@ using Work = std::move_only_function<void()>;
 
 /// Runs work later, one piece after the other: in the order of the due times, of equal ones in the order of their
 /// scheduling. All members may be called from any thread. Outlives whatever is scheduled on it and whoever schedules.
-class Scheduler {
+class KESTROM_API Scheduler {
  public:
   virtual ~Scheduler() = default;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kestrom/Export.hpp"
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,7 +15,7 @@ inline constexpr std::string_view kApplicationDidBecomeActive = "UIApplicationDi
 inline constexpr std::string_view kApplicationWillTerminate = "UIApplicationWillTerminateNotification";
 
 /// Passes on what is posted under a name to those who observe that name. Any thread.
-class NotificationCenter {
+class KESTROM_API NotificationCenter {
  private:
   struct Observer;
   struct State;

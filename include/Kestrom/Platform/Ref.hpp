@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/SingleThreaded.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/SingleThreaded.hpp"
 
 #include <atomic>
 #include <concepts>
@@ -10,7 +11,7 @@
 namespace kestrom::reactive {
 
 /// Base of objects that live as long as a `Ref` points to them. The count is safe across threads.
-class RefCounted {
+class KESTROM_API RefCounted {
  public:
   RefCounted(const RefCounted&) = delete;
   RefCounted& operator=(const RefCounted&) = delete;

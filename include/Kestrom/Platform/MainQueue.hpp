@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Reactive/WorkQueue.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/Scheduler.hpp"
 
 #include <condition_variable>
 #include <functional>
@@ -9,16 +10,18 @@
 
 namespace kestrom::reactive {
 
+class WorkQueue;
+
 /// The steady clock of the system.
-TimePoint steadyNow();
+KESTROM_API TimePoint steadyNow();
 
 /// The loop that owns the kit's state: work is scheduled on it from any thread and runs on the one that pumps it. A
 /// host either gives it a thread (`run`) or owns the loop itself: it calls `runDue` whenever the wake-up callback asks
 /// for it and at `nextDueTime`.
-class MainQueue final : public Scheduler {
+class KESTROM_API MainQueue final : public Scheduler {
  public:
-  explicit MainQueue(std::function<TimePoint()> now = steadyNow) : _clock(std::move(now)) {}
-  ~MainQueue() override { _queue->clear(); }
+  explicit MainQueue(std::function<TimePoint()> now = steadyNow);
+  ~MainQueue() override;
 
   TimePoint now() const override { return _clock(); }
   void schedule(Work work) override;
@@ -32,7 +35,7 @@ class MainQueue final : public Scheduler {
   /// Runs what is due at this moment, without waiting. What is scheduled meanwhile is left for the next call, so that
   /// work that schedules itself does not keep the host.
   void runDue();
-  std::optional<TimePoint> nextDueTime() const { return _queue->nextDue(); }
+  std::optional<TimePoint> nextDueTime() const;
 
   /// `wakeUp` is called on the scheduling thread whenever something was scheduled; it should only wake the host's loop.
   /// To be set before the first use.
@@ -41,7 +44,7 @@ class MainQueue final : public Scheduler {
  private:
   void notify();
 
-  Ref<WorkQueue> _queue = makeRef<WorkQueue>();
+  Ref<WorkQueue> _queue;
   std::function<TimePoint()> _clock;
   std::function<void()> _wakeUp;
   std::mutex _mutex;

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "Platform/Foundation/Date.hpp"
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/Date.hpp"
 
 #include <chrono>
 
 namespace kestrom::foundation {
 
 /// Where the present comes from, so that a test can tell it. Any thread.
-class Clock {
+class KESTROM_API Clock {
  public:
   virtual ~Clock() = default;
 
@@ -15,7 +16,7 @@ class Clock {
 };
 
 /// The device's clock. It follows the user's settings, so that it can jump, also backwards.
-class SystemClock final : public Clock {
+class KESTROM_API SystemClock final : public Clock {
  public:
   Date now() const override {
     const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
