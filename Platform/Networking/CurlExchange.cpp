@@ -255,8 +255,10 @@ void CurlExchange::setRequest() {
   set(CURLOPT_PATH_AS_IS, 1L);
   // All codings that this libcurl knows.
   set(CURLOPT_ACCEPT_ENCODING, "");
-  // Refuses by the length that the server names, before the content comes.
-  set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(_responseContent->maximumSize()));
+  // Refuses by the length that the server names, before the content comes; to HEAD none comes, whatever the length.
+  if (request.method != "HEAD") {
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(_responseContent->maximumSize()));
+  }
   if (_requestContent) {
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_requestContent->size()));
@@ -286,8 +288,9 @@ void CurlExchange::setHeaders() {
 SessionTask::Outcome CurlExchange::takeOutcome(int result, const NetworkProbe& hasNetwork) {
   if (_failure) return std::unexpected(std::move(*_failure));
   if (result != CURLE_OK) return std::unexpected(errorOf(result, hasNetwork));
-  if (_responseHead.statusCode() < 200) {
-    return std::unexpected(URLError{Code::badServerResponse, "The answer has no status"});
+  // To libcurl a head that breaks off is an answer without content.
+  if (!_responseHead.isWhole()) {
+    return std::unexpected(URLError{Code::networkConnectionLost, "The connection ended within the head of the answer"});
   }
   return SessionTask::Answer{{_task->request().url, _responseHead.statusCode(), _responseHead.headers()},
                              std::move(*_responseContent)};
@@ -297,6 +300,10 @@ URLError CurlExchange::errorOf(int result, const NetworkProbe& hasNetwork) const
   const auto curlCode = static_cast<CURLcode>(result);
   if (_attemptCount > 1) return {Code::networkConnectionLost, "The connection ended before an answer came"};
   Code code = codeOf(curlCode);
+  // libcurl keeps one line of a head at a time and tells so when it grows too long.
+  if (curlCode == CURLE_OUT_OF_MEMORY && _attemptCount == 1 && !_responseHead.isWhole()) {
+    code = Code::dataLengthExceedsMaximum;
+  }
   long systemError = 0;
   curl_easy_getinfo(_handle.get(), CURLINFO_OS_ERRNO, &systemError);
   const bool isOut = code == Code::cannotFindHost || (code == Code::cannotConnectToHost && isUnreachable(systemError));

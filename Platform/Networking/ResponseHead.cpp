@@ -48,7 +48,7 @@ bool ResponseHead::addLine(std::string_view line) {
 void ResponseHead::addHeader() {
   const std::string line = std::exchange(_line, {});
   const std::size_t colon = line.find(':');
-  if (colon == std::string::npos) return;
+  if (colon == std::string::npos || colon == 0) return;
   const std::string_view text = line;
   _headers.add(trimmed(text.substr(0, colon)), trimmed(text.substr(colon + 1)));
 }

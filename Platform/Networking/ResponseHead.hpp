@@ -15,6 +15,8 @@ class ResponseHead {
   /// Takes a line with its end; false when all lines together are more than any honest server sends.
   [[nodiscard]] bool addLine(std::string_view line);
 
+  /// Whether the empty line behind the headers has come.
+  bool isWhole() const { return _isWhole; }
   int statusCode() const { return _statusCode; }
   const HTTPHeaders& headers() const { return _headers; }
 
