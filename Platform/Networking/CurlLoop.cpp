@@ -187,17 +187,20 @@ reactive::Ref<SessionTask> CurlLoop::end(CurlExchange* exchange) {
 }
 
 void CurlLoop::deliver() {
-  for (auto& [task, outcome] : std::exchange(_finished, {})) {
-    if (_delegateQueue) {
-      _delegateQueue->schedule(
-          [task = std::move(task), outcome = std::move(outcome)]() mutable { task->complete(std::move(outcome)); });
-    } else {
-      task->complete(std::move(outcome));
+  for (auto& finished : std::exchange(_finished, {})) {
+    if (!_delegateQueue) {
+      finished.first->complete(std::move(finished.second));
+      continue;
     }
+    _delegateQueue->schedule([task = std::move(finished.first), outcome = std::move(finished.second)]() mutable {
+      task->complete(std::move(outcome));
+    });
   }
 }
 
 void CurlLoop::wait() {
+  // Exchanges that ended have made room for others.
+  if (!_waiting.empty() && _running.size() < kMaximumRunning) return;
   // An hour is for ever here: whatever happens wakes it up.
   std::chrono::milliseconds duration = std::chrono::hours(1);
   const reactive::TimePoint now = reactive::steadyNow();

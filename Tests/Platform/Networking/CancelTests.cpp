@@ -2,7 +2,6 @@
 #include "Tests/Platform/Networking/SessionTest.hpp"
 
 #include <atomic>
-#include <latch>
 #include <optional>
 #include <random>
 
@@ -122,17 +121,16 @@ std::vector<reactive::AnyCancellable> beginMany(CurlURLSession& session, std::at
 }
 
 TEST_F(CancelTest, EndsAllTasksWithTheSession) {
-  std::latch someCame(10);
-  std::atomic<int> cameCount = 0;
+  CountDown someCame(10);
   const auto server = serve([&](LoopbackConnection& connection, int) {
     connection.readRequest();
-    if (cameCount++ < 10) someCame.count_down();
+    someCame.count();
     connection.waitForEnd();
   });
   std::atomic<int> cancelledCount = 0;
   auto session = sessionFor(*server);
   auto tokens = beginMany(*session, cancelledCount);
-  someCame.wait();
+  EXPECT_TRUE(someCame.wait());
   session.reset();
   EXPECT_EQ(cancelledCount, 100) << "before the destructor returns";
   tokens.clear();

@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <fstream>
-#include <latch>
 #include <set>
 #include <sstream>
 
@@ -221,7 +220,7 @@ TEST_F(ExchangeTest, DownloadsToAFileOfItsOwn) {
 TEST_F(ExchangeTest, OpensConnectionsAtOnceUpToItsBound) {
   constexpr int kBound = 64;
   constexpr int kCount = kBound + 10;
-  std::latch allAreThere(kBound);
+  CountDown allAreThere(kBound);
   std::atomic<int> present = 0;
   std::atomic<int> mostPresent = 0;
   const auto server = serve([&](LoopbackConnection& connection, int index) {
@@ -229,22 +228,25 @@ TEST_F(ExchangeTest, OpensConnectionsAtOnceUpToItsBound) {
       const int now = ++present;
       for (int most = mostPresent; now > most && !mostPresent.compare_exchange_weak(most, now);) {
       }
-      if (isFirst) allAreThere.arrive_and_wait();
+      if (isFirst) {
+        allAreThere.count();
+        if (!allAreThere.wait()) return;
+      }
       --present;
       connection.send(answerOf("x"));
     }
   });
   const auto session = sessionFor(*server);
-  std::latch done(kCount);
+  CountDown done(kCount);
   std::atomic<int> answered = 0;
   std::vector<reactive::AnyCancellable> tokens;
   for (int i = 0; i < kCount; ++i) {
     tokens.push_back(session->dataTask(requestTo("https://api.test/"), [&](DataResult result) {
       if (textOf(result) == "x") ++answered;
-      done.count_down();
+      done.count();
     }));
   }
-  done.wait();
+  EXPECT_TRUE(done.wait());
   EXPECT_EQ(answered, kCount);
   EXPECT_EQ(mostPresent, kBound);
 }

@@ -5,10 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <expected>
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -25,6 +28,29 @@ const HTTPURLResponse& headOf(const URLResponse& response);
 /// The code of a failure, by its name so that a mismatch can be read; of an answer, its status.
 std::string labelOf(const DataResult& result);
 std::string labelOf(const DownloadResult& result);
+
+/// Counts down to 0 and lets those go on who wait for it, on any thread; what never comes fails the test instead of
+/// holding it up.
+class CountDown {
+ public:
+  explicit CountDown(int count) : _count(count) {}
+
+  void count() {
+    // Under the mutex, because whoever waits may destroy it as soon as it is at 0.
+    const std::lock_guard lock(_mutex);
+    if (--_count <= 0) _isOver.notify_all();
+  }
+  /// False when it takes so long that it will never be.
+  [[nodiscard]] bool wait() {
+    std::unique_lock lock(_mutex);
+    return _isOver.wait_for(lock, std::chrono::seconds(20), [this] { return _count <= 0; });
+  }
+
+ private:
+  std::mutex _mutex;
+  std::condition_variable _isOver;
+  int _count;
+};
 
 /// Sessions against a server on the loopback that stands for "https://api.test".
 class SessionTest : public ::testing::Test {
