@@ -225,8 +225,7 @@ void CurlExchange::setConnection(const CurlSessionConfiguration& configuration) 
     append(_connectTo, "::" + configuration.connectTo->host + ":" + std::to_string(configuration.connectTo->port));
     set(CURLOPT_CONNECT_TO, _connectTo.get());
   }
-  // The library of a device may lack HTTP/2, so a refusal is none. Without PIPEWAIT, requests that start together do
-  // not wait for the first to learn whether they can share its connection: to a server of HTTP/1.1 they could not.
+  // The library of a device may lack HTTP/2, so a refusal is none.
   (curl_easy_setopt)(_handle.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   // The loop keeps the time. libcurl has a limit of its own, five minutes until a connection stands, of which it gives
   // each of a host's addresses a share: it gets the request's time, and a second more so as to never come first.

@@ -52,6 +52,9 @@ CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* 
     : _configuration(std::move(configuration)), _delegateQueue(delegateQueue), _hasNetwork(std::move(hasNetwork)) {
   if (prepareLibrary() == CURLE_OK) _multi.reset(curl_multi_init());
   if (!_multi) throw std::bad_alloc();
+  // Exchanges that run together have a connection each, over HTTP/2 too: libcurl 7.88, which is in use, now and then
+  // leaves the end of an answer lying in a connection that several of them share.
+  curl_multi_setopt(_multi.get(), CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_NOTHING));
   // Connections that idle count too, and are closed for new ones.
   curl_multi_setopt(_multi.get(), CURLMOPT_MAX_TOTAL_CONNECTIONS, static_cast<long>(kMaximumRunning));
 }
