@@ -41,7 +41,8 @@ std::expected<Record, Response> decodeBody(const ServiceRequest& request) {
   if (contentType && !equalsIgnoringCase(trimmed(contentType->substr(0, contentType->find(';'))), "application/json"))
     return std::unexpected(errorResponse(415, "the body must be application/json"));
   if (!request.document) return std::unexpected(errorResponse(422, "the body is no JSON document"));
-  auto record = foundation::decodeDocument<Record>(*request.document, DecodingOptions{});
+  auto record =
+      foundation::decodeDocument<Record>(*request.document, DecodingOptions{.dates = DecodingOptions::Dates::answers});
   if (!record) return std::unexpected(unfit(record.error().front()));
   return std::move(*record);
 }
