@@ -68,25 +68,27 @@ bool ConnectionHandler::serveOne() {
     log(exchange, std::nullopt);
     return false;
   }
-  if (end == BodyEnd::tooLarge) {
-    const Response response = errorResponse(413, "the body is too large");
-    log(exchange, response.status);
-    if (_connection.write(response, false)) _connection.closeAfterRefusal();
-    return false;
-  }
+  if (end == BodyEnd::malformed) return refuse(exchange, errorResponse(400, "the body is no HTTP"));
+  if (end == BodyEnd::tooLarge) return refuse(exchange, errorResponse(413, "the body is too large"));
   const bool isHandled = !exchange.call.fault || exchange.call.fault->isHandled;
   Response response = isHandled ? handle(exchange) : Response();
   if (exchange.call.fault && exchange.call.fault->answer) response = *exchange.call.fault->answer;
+  // Whoever has the answer may look at the files.
+  if (exchange.upload) exchange.upload->discard();
   return finish(exchange, response);
 }
 
 void ConnectionHandler::refuseHead(HTTPConnection::ReadError error) {
   if (error == HTTPConnection::ReadError::closed) return;
   const bool isTooLarge = error == HTTPConnection::ReadError::headTooLarge;
-  const Response response = isTooLarge ? errorResponse(431, "the request's head is too large")
-                                       : errorResponse(400, "this is no HTTP request");
-  log(Exchange(), response.status);
+  refuse(Exchange(), isTooLarge ? errorResponse(431, "the request's head is too large")
+                                : errorResponse(400, "this is no HTTP request"));
+}
+
+bool ConnectionHandler::refuse(const Exchange& exchange, const Response& response) {
+  log(exchange, response.status);
   if (_connection.write(response, false)) _connection.closeAfterRefusal();
+  return false;
 }
 
 void ConnectionHandler::count(Exchange& exchange) {
@@ -105,7 +107,7 @@ ConnectionHandler::BodyEnd ConnectionHandler::readBody(Exchange& exchange) {
   std::array<std::uint8_t, 65536> buffer;
   while (true) {
     const auto count = _connection.readBody(buffer);
-    if (!count) return BodyEnd::cut;
+    if (!count) return count.error() == HTTPConnection::ReadError::closed ? BodyEnd::cut : BodyEnd::malformed;
     if (*count == 0) break;
     exchange.bodySize += *count;
     if (exchange.bodySize > limit) return BodyEnd::tooLarge;

@@ -36,10 +36,11 @@ class ConnectionHandler {
 
  private:
   struct Exchange;
-  enum class BodyEnd : std::uint8_t { whole, cut, tooLarge };
+  enum class BodyEnd : std::uint8_t { whole, cut, malformed, tooLarge };
 
   bool serveOne();
   void refuseHead(HTTPConnection::ReadError error);
+  bool refuse(const Exchange& exchange, const Response& response);
   BodyEnd readBody(Exchange& exchange);
   void count(Exchange& exchange);
   Response handle(Exchange& exchange);

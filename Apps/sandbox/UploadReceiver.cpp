@@ -28,7 +28,7 @@ UploadReceiver::UploadReceiver(const std::filesystem::path& directory, std::stri
       _reader(boundary, {.beginPart = [this](PartHead head) { beginPart(std::move(head)); },
                          .data = [this](std::string_view bytes) { write(bytes); }}) {}
 
-UploadReceiver::~UploadReceiver() {
+void UploadReceiver::discard() {
   std::error_code ignored;
   std::filesystem::remove(_file, ignored);
 }

@@ -27,7 +27,7 @@ class UploadReceiver {
   UploadReceiver(const std::filesystem::path& directory, std::string_view boundary);
   UploadReceiver(const UploadReceiver&) = delete;
   UploadReceiver& operator=(const UploadReceiver&) = delete;
-  ~UploadReceiver();
+  ~UploadReceiver() { discard(); }
 
   void feed(std::string_view bytes) { _reader.feed(bytes); }
 
@@ -36,6 +36,9 @@ class UploadReceiver {
 
   /// Gives the medium a name of ours in the directory, once the body has come to its end; else the refusal.
   std::expected<MediaRecord, Response> accept();
+
+  /// Removes what has not been accepted.
+  void discard();
 
   /// Removes what servers that were killed have left in the middle of an upload.
   static void removeLeftovers(const std::filesystem::path& directory);
