@@ -122,14 +122,15 @@ class AnswerTests(SandboxTest):
             answer_body("place", value=place, keyValue=place, locationType="precise",
                         location={"type": "Point", "coordinates": [-73.25, 44.5]}),
             answer_body("first", iterationId=1, context="cv.ok"),
-            answer_body("bundle", value=bundle, keyValue=bundle, answeredAt="2025-02-03T11:15:00.5+02:00", extra={"a": 1.5}),
+            answer_body("bundle", value=bundle, keyValue=bundle, extra={"a": 1.5},
+                        answeredAt="2025-02-03T11:15:00.5+02:00"),
             answer_body("first", value="No", answeredAt="2025-02-03T09:16:00.25Z"),
         ]
         for body in sent:
             self.assertEqual(sandbox.call("POST", path, body, token=token).status, 204)
 
-        times = [(5, "09:16:00.250Z"), (1, "09:15:00.000Z"), (2, "09:15:00.000Z"), (3, "09:15:00.000Z"), (4, "09:15:00.500Z")]
-        wanted = [{**sent[index], "answeredAt": f"2025-02-03T{time}"} for index, time in times]
+        times = [(5, "16:00.250"), (1, "15:00.000"), (2, "15:00.000"), (3, "15:00.000"), (4, "15:00.500")]
+        wanted = [{**sent[index], "answeredAt": f"2025-02-03T09:{time}Z"} for index, time in times]
         self.assertEqual(sandbox.call("GET", path, token=token).json(), {"answers": wanted})
         with sqlite3.connect(sandbox.state / "sandbox.db") as database:
             arrivals = [row[0] for row in database.execute("SELECT arrivals FROM answers ORDER BY number")]
@@ -220,7 +221,8 @@ class SmallBodyTests(SharedSandboxTest):
 
     def test_finds_the_nearest_place(self):
         def geocode(lat, lng):
-            return self.call("POST", GEOCODE_PATH, {"lat": lat, "lng": lng, "height": 400.0, "width": 400.0}, self.token)
+            body = {"lat": lat, "lng": lng, "height": 400.0, "width": 400.0}
+            return self.call("POST", GEOCODE_PATH, body, self.token)
 
         def component(place, kind, form="long_name"):
             parts = place.json()["altLocationList"][0]["address_components"]
@@ -234,7 +236,8 @@ class SmallBodyTests(SharedSandboxTest):
         ]:
             with self.subTest(label):
                 place = geocode(lat, lng)
-                self.assertEqual((component(place, "locality"), component(place, "country", "short_name")), (city, country))
+                self.assertEqual(component(place, "locality"), city)
+                self.assertEqual(component(place, "country", "short_name"), country)
         self.assertTrue(base64.b64decode(geocode(0, 0).json()["thumbnail"]).startswith(b"\x89PNG\r\n"))
         self.refused(geocode(90.5, 0), 422, "lat")
         self.refused(geocode(0, -181), 422, "lng")

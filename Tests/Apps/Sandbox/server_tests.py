@@ -26,6 +26,7 @@ def read_answer(stream):
     return Answer(response)
 
 
+MULTIPART = "Content-Type: multipart/form-data; boundary=B"
 CODES_TEXT = json.dumps(CODES).encode()
 
 
@@ -37,7 +38,8 @@ class ConnectionTests(SharedSandboxTest):
     def test_answers_requests_of_any_form_on_one_connection(self):
         status = "/kestroms/status-check"
         length = f"Content-Length: {len(CODES_TEXT)}"
-        chunks = b"3;a=b\r\n" + CODES_TEXT[:3] + b"\r\n%x\r\n" % len(CODES_TEXT[3:]) + CODES_TEXT[3:] + b"\r\n0\r\nT: 1\r\n\r\n"
+        chunks = b"3;a=b\r\n%s\r\n" % CODES_TEXT[:3]
+        chunks += b"%x\r\n%s\r\n0\r\nT: 1\r\n\r\n" % (len(CODES_TEXT[3:]), CODES_TEXT[3:])
         one = post(status, CODES_TEXT, length)
         with self.sandbox.raw(one + one) as stream:
             both = stream.makefile("rb")
@@ -68,7 +70,7 @@ class ConnectionTests(SharedSandboxTest):
             ("a long head", b"GET / HTTP/1.1\r\nA: " + b"a" * 100000 + b"\r\n\r\n", 431),
             ("a long target", b"GET /" + b"a" * 100000 + b" HTTP/1.1\r\n\r\n", 431),
             ("a long body", post(status, b"x", "Content-Length: 99999999999"), 413),
-            ("a long upload", post(UPLOAD_PATH, b"x", "Content-Type: multipart/form-data; boundary=B", "Content-Length: 999999999"), 413),
+            ("a long upload", post(UPLOAD_PATH, b"x", MULTIPART, "Content-Length: 999999999"), 413),
             ("many chunks", post(status, chunk * 6, "Transfer-Encoding: chunked"), 413),
         ]:
             with self.subTest(label):
@@ -78,9 +80,9 @@ class ConnectionTests(SharedSandboxTest):
     def test_a_body_that_is_cut_changes_nothing(self):
         body = json.dumps(answer_body()).encode()
         upload = form(b"x" * 100000)
-        for path, text, kind in (f"/kestroms/{CASE}/answers", body, "application/json"), (
-            UPLOAD_PATH, upload, "multipart/form-data; boundary=B"):
-            lines = [f"authorization: Bearer {self.token}", f"Content-Type: {kind}", f"Content-Length: {len(text)}"]
+        answers = f"/kestroms/{CASE}/answers"
+        for path, text, kind in (answers, body, "Content-Type: application/json"), (UPLOAD_PATH, upload, MULTIPART):
+            lines = [f"authorization: Bearer {self.token}", kind, f"Content-Length: {len(text)}"]
             with self.sandbox.raw(post(path, text[:-1], *lines)) as stream:
                 stream.shutdown(socket.SHUT_WR)
                 while stream.recv(1000):
@@ -128,7 +130,8 @@ class ConnectionTests(SharedSandboxTest):
 
 class StateTests(SandboxTest):
     def run_program(self, *arguments):
-        return subprocess.run([PROGRAM, *map(str, arguments)], capture_output=True, text=True, timeout=20, cwd=self.directory)
+        command = [PROGRAM, *map(str, arguments)]
+        return subprocess.run(command, capture_output=True, text=True, timeout=20, cwd=self.directory)
 
     def test_a_restart_and_a_kill_keep_everything(self):
         first = self.start()
@@ -183,7 +186,8 @@ class StateTests(SandboxTest):
         for number in signal.SIGTERM, signal.SIGINT:
             with subprocess.Popen([PROGRAM], stdout=subprocess.PIPE, text=True, cwd=self.directory) as process:
                 line = process.stdout.readline()
-                self.assertRegex(line, r"^listening on 127\.0\.0\.1:\d+, certificate authority /.*/\.kestrom-sandbox/ca\.pem\n$")
+                authority = self.directory / ".kestrom-sandbox" / "ca.pem"
+                self.assertRegex(line, rf"^listening on 127\.0\.0\.1:\d+, certificate authority {authority}\n$")
                 process.send_signal(number)
                 self.assertEqual((process.wait(20), process.stdout.read()), (0, ""))
 
