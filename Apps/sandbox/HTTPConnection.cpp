@@ -14,7 +14,6 @@
 #include <array>
 #include <chrono>
 #include <fstream>
-#include <optional>
 
 namespace kestrom::sandbox {
 
@@ -100,7 +99,7 @@ struct HTTPConnection::Reader {
 
   ReadStream stream;
   boost::beast::flat_buffer buffer{kMaximumHead * 2};
-  std::optional<Parser> parser;
+  std::unique_ptr<Parser> parser;
 };
 
 HTTPConnection::HTTPConnection(TLSConnection& stream) : _stream(stream), _reader(std::make_unique<Reader>(stream)) {}
@@ -108,7 +107,8 @@ HTTPConnection::HTTPConnection(TLSConnection& stream) : _stream(stream), _reader
 HTTPConnection::~HTTPConnection() = default;
 
 std::expected<RequestHead, HTTPConnection::ReadError> HTTPConnection::readHead() {
-  Parser& parser = _reader->parser.emplace();
+  _reader->parser = std::make_unique<Parser>();
+  Parser& parser = *_reader->parser;
   parser.header_limit(kMaximumHead);
   // What is too much depends on the request, so that its reader counts.
   parser.body_limit(boost::none);

@@ -33,6 +33,7 @@ CREATE TABLE IF NOT EXISTS media(name TEXT PRIMARY KEY, case_id TEXT NOT NULL RE
   content_type TEXT NOT NULL, arrived TEXT NOT NULL DEFAULT CURRENT_TIMESTAMP) WITHOUT ROWID;
 )";
 
+/// In the order of `CaseRecord`; a macro, so that it can stand within statements.
 #define CASE_COLUMNS "id, organization, bot, status, expiration, body"
 
 /// An open database whose tables are there.

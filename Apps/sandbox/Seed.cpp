@@ -13,7 +13,6 @@ namespace {
 using foundation::DecodingError;
 using foundation::DecodingOptions;
 using foundation::JSONDocument;
-using foundation::JSONValue;
 
 std::unexpected<std::string> fault(const std::filesystem::path& file, const std::string& why) {
   return std::unexpected(file.string() + ": " + why);
