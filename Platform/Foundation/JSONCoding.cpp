@@ -1,5 +1,6 @@
 #include "Platform/Foundation/JSONCoding.hpp"
 
+#include "Platform/Foundation/DateFormatter.hpp"
 #include "Platform/Foundation/DateText.hpp"
 
 #include <algorithm>
@@ -30,6 +31,12 @@ std::string_view nameOf(JSONType type) {
 
 /// More members than any record has; a table that outgrows it does not compile into a wrong decoder but stops at once.
 constexpr std::size_t kMaximumFields = 32;
+
+/// Made once: a formatter costs far more than a date.
+const DateFormatter& dateAndTimeFormatter() {
+  static const DateFormatter kFormatter("yyyy-MM-dd HH:mm:ss");
+  return kFormatter;
+}
 
 }  // namespace
 
@@ -128,10 +135,12 @@ void Coder<Date>::decode(Date& out, JSONValue value, DecodingContext& context) {
     return;
   }
   if (!value.isString()) return failType(context, value, "a date text");
-  const auto date = parseAnswerDate(value.string());
+  const bool isAnswer = context.options().dates == DecodingOptions::Dates::answers;
+  const auto date = isAnswer ? parseAnswerDate(value.string()) : dateAndTimeFormatter().date(value.string());
   if (!date) {
     return context.fail(DecodingError::Kind::dataCorrupted,
-                        "the text is no date of the form yyyy-MM-dd'T'HH:mm:ss.SSSZ");
+                        isAnswer ? "the text is no date of the form yyyy-MM-dd'T'HH:mm:ss.SSSZ"
+                                 : "the text is no date of the form yyyy-MM-dd HH:mm:ss");
   }
   out = *date;
 }

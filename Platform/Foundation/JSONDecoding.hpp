@@ -36,8 +36,14 @@ struct DecodingError {
 
 /// What a decoder must know beside the bytes.
 struct DecodingOptions {
-  /// How dates are read. The text form is that of the answers on the wire.
-  enum class Dates : std::uint8_t { secondsSinceReferenceDate, answers };
+  /// How dates are read.
+  enum class Dates : std::uint8_t {
+    secondsSinceReferenceDate,
+    /// The text form of answers on the wire, "yyyy-MM-dd'T'HH:mm:ss.SSSZ".
+    answers,
+    /// "yyyy-MM-dd HH:mm:ss" in the locale and the time zone that the device had at the first such date.
+    dateAndTime,
+  };
 
   Dates dates = Dates::secondsSinceReferenceDate;
   /// The present documents directory, onto which local file addresses in stored texts are moved.

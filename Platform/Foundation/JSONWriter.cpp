@@ -115,7 +115,10 @@ void JSONWriter::integer(std::int64_t value) {
 }
 
 void JSONWriter::number(double value) {
-  if (!std::isfinite(value)) return null();
+  if (!std::isfinite(value)) {
+    _isFaithful = false;
+    return null();
+  }
   if (std::trunc(value) == value && std::abs(value) < kTwoTo63) return integer(static_cast<std::int64_t>(value));
   separate();
   appendNumber(_text, value);

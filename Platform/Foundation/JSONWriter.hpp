@@ -36,6 +36,9 @@ class JSONWriter {
   /// A value of a parsed document, with its members in their order.
   void value(JSONValue value);
 
+  /// False once a number was written that JSON has no form for: the text does not say what the value was.
+  bool isFaithful() const { return _isFaithful; }
+
   /// The text so far.
   const std::string& text() const& { return _text; }
   std::string text() && { return std::move(_text); }
@@ -48,6 +51,7 @@ class JSONWriter {
   std::string _text;
   DateStrategy _dates;
   bool _needsComma = false;
+  bool _isFaithful = true;
 };
 
 }  // namespace kestrom::foundation

@@ -1,0 +1,13 @@
+set(KESTROM_REST_SOURCES
+  Networking/REST/APIHosts.cpp
+  Networking/REST/AddressRESTRequest.cpp
+  Networking/REST/AnswerRESTRequest.cpp
+  Networking/REST/AuthenticatedRequestInserter.cpp
+  Networking/REST/ErrorHandlers/GenericErrorHandler.cpp
+  Networking/REST/JSONDecoders.cpp
+  Networking/REST/KestromObjectRESTRequest.cpp
+  Networking/REST/RESTError.cpp
+  Networking/REST/RESTNetworkService.cpp
+  Networking/REST/RESTRequest.cpp
+  Networking/REST/StandardRequestInserter.cpp
+  Networking/REST/UserRESTRequest.cpp)
