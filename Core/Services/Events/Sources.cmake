@@ -1,0 +1,2 @@
+set(KESTROM_EVENTS_SOURCES
+  Events/DefaultUserSessionTracker.cpp)
