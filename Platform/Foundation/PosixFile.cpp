@@ -103,6 +103,16 @@ std::expected<std::size_t, FileError> PosixFile::read(std::span<std::uint8_t> bu
   return static_cast<std::size_t>(count);
 }
 
+std::expected<std::uint64_t, FileError> PosixFile::size() const {
+  struct stat status{};
+  if (::fstat(_descriptor, &status) < 0) return lastError();
+  if (!S_ISREG(status.st_mode)) {
+    const auto kind = S_ISDIR(status.st_mode) ? FileError::Kind::isDirectory : FileError::Kind::other;
+    return std::unexpected(FileError{kind, _path, "Not a regular file"});
+  }
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
 std::expected<std::size_t, FileError> PosixFile::write(std::span<const std::uint8_t> bytes) {
   const ssize_t count = retried([&] { return ::write(_descriptor, bytes.data(), bytes.size()); });
   if (count < 0) return lastError();

@@ -40,6 +40,9 @@ class PosixFile {
   /// The number of bytes read, at most the size of `buffer`; 0 at the end of the file.
   std::expected<std::size_t, FileError> read(std::span<std::uint8_t> buffer);
 
+  /// Bytes of a regular file; anything else has no size.
+  std::expected<std::uint64_t, FileError> size() const;
+
   /// The number of bytes written, which may be fewer than given.
   std::expected<std::size_t, FileError> write(std::span<const std::uint8_t> bytes);
   std::expected<void, FileError> writeAll(std::span<const std::uint8_t> bytes);

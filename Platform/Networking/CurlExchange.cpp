@@ -261,6 +261,8 @@ void CurlExchange::setRequest() {
   if (_requestContent) {
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_requestContent->size()));
+    // A body in memory goes out in one piece with the head.
+    if (_requestContent->bytes()) set(CURLOPT_POSTFIELDS, reinterpret_cast<const char*>(_requestContent->bytes()));
     if (request.method != "POST") set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
   } else if (request.method == "HEAD") {
     set(CURLOPT_NOBODY, 1L);

@@ -48,20 +48,46 @@ void CurlLoop::CleanUpMulti::operator()(void* handle) const {
   curl_multi_cleanup(handle);
 }
 
+/// What libcurl calls while somebody drives it.
+struct CurlLoop::Callbacks {
+  static int onSocket(CURL*, curl_socket_t socket, int what, void* object, void*) noexcept {
+    SocketWatch& watch = static_cast<CurlLoop*>(object)->_watch;
+    if (what == CURL_POLL_REMOVE) {
+      watch.remove(socket);
+    } else {
+      watch.set(socket, {(what & CURL_POLL_IN) != 0, (what & CURL_POLL_OUT) != 0});
+    }
+    return 0;
+  }
+
+  static int onTimer(CURLM*, long milliseconds, void* object) noexcept {
+    auto& due = static_cast<CurlLoop*>(object)->_timerDue;
+    due.reset();
+    if (milliseconds >= 0) due = reactive::steadyNow() + std::chrono::milliseconds(milliseconds);
+    return 0;
+  }
+};
+
 CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* delegateQueue, NetworkProbe hasNetwork)
     : _configuration(std::move(configuration)), _delegateQueue(delegateQueue), _hasNetwork(std::move(hasNetwork)) {
-  if (prepareLibrary() == CURLE_OK) _multi.reset(curl_multi_init());
+  if (prepareLibrary() == CURLE_OK && _watch.isUsable()) _multi.reset(curl_multi_init());
   if (!_multi) throw std::bad_alloc();
+  CURLM* const multi = _multi.get();
   // Exchanges that run together have a connection each, over HTTP/2 too: libcurl 7.88, which is in use, now and then
   // leaves the end of an answer lying in a connection that several of them share.
-  curl_multi_setopt(_multi.get(), CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_NOTHING));
+  curl_multi_setopt(multi, CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_NOTHING));
   // Connections that idle count too, and are closed for new ones.
-  curl_multi_setopt(_multi.get(), CURLMOPT_MAX_TOTAL_CONNECTIONS, static_cast<long>(kMaximumRunning));
+  curl_multi_setopt(multi, CURLMOPT_MAX_TOTAL_CONNECTIONS, static_cast<long>(kMaximumRunning));
+  curl_multi_setopt(multi, CURLMOPT_SOCKETFUNCTION, &Callbacks::onSocket);
+  curl_multi_setopt(multi, CURLMOPT_SOCKETDATA, this);
+  curl_multi_setopt(multi, CURLMOPT_TIMERFUNCTION, &Callbacks::onTimer);
+  curl_multi_setopt(multi, CURLMOPT_TIMERDATA, this);
 }
 
 CurlLoop::~CurlLoop() = default;
 
 void CurlLoop::start(reactive::Ref<SessionTask> task) {
+  if (startHere(task)) return;
   post([&] { _inbox.started.push_back(std::move(task)); });
 }
 
@@ -75,36 +101,65 @@ void CurlLoop::stop() {
 
 template <class Change>
 void CurlLoop::post(Change change) {
-  const std::lock_guard lock(_mutex);
-  // A token may outlive the session.
-  if (!_multi) return;
-  change();
-  curl_multi_wakeup(_multi.get());
+  {
+    const std::lock_guard lock(_inboxMutex);
+    change();
+  }
+  _watch.wake();
+}
+
+/// Puts a task on its way on the calling thread, if nobody drives at this moment and no file need be opened for it.
+bool CurlLoop::startHere(reactive::Ref<SessionTask>& task) {
+  if (task->file() || task->isDownload()) return false;
+  const std::unique_lock driving(_driving, std::try_to_lock);
+  if (!driving || !_multi || !_waiting.empty() || _running.size() >= kMaximumRunning) return false;
+  begin(std::move(task));
+  transfer();
+  // What is over already is told by the loop's thread, and so is what is due before it wakes up.
+  const auto due = nextDue();
+  if (!_finished.empty() || (due && (!_sleepsUntil || *due < *_sleepsUntil))) _watch.wake();
+  return true;
 }
 
 void CurlLoop::run() {
   blockBrokenPipeSignal();
-  while (takeInbox()) {
-    startWaiting();
-    // First what has come, then the deadlines: an application that was asleep, or a completion that took its time, must
-    // not end exchanges whose bytes are there.
-    transfer();
-    endOverdue();
-    deliver();
-    wait();
+  const auto onReady = [this](int socket, SocketWatch::Interest ready, bool hasFailed) {
+    transferOn(socket, ready, hasFailed);
+  };
+  while (true) {
+    std::optional<std::chrono::milliseconds> duration;
+    Finished finished;
+    {
+      const std::lock_guard driving(_driving);
+      if (!takeInbox()) break;
+      // First what has come, then the deadlines: an application that was asleep, or a completion that took its time,
+      // must not end exchanges whose bytes are there.
+      _watch.drain(onReady);
+      startWaiting();
+      transfer();
+      endOverdue();
+      finished = std::exchange(_finished, {});
+      // A sleep is not made longer for what has ended, so that the next task seldom needs to make it shorter.
+      const reactive::TimePoint now = reactive::steadyNow();
+      const auto due = nextDue();
+      if (!_sleepsUntil || *_sleepsUntil <= now || (due && *due < *_sleepsUntil)) _sleepsUntil = due;
+      // What has ended makes room.
+      if (!_waiting.empty() && _running.size() < kMaximumRunning) _sleepsUntil = now;
+      if (_sleepsUntil) {
+        duration = std::chrono::ceil<std::chrono::milliseconds>(std::max(*_sleepsUntil - now, reactive::Duration(0)));
+      }
+    }
+    deliver(std::move(finished));
+    _watch.wait(duration);
   }
   cancelAll();
-  _idleHandles.clear();
-  // Here, because closing its connections writes to them.
-  const std::lock_guard lock(_mutex);
-  _multi.reset();
 }
 
 /// False when the loop is to end.
 bool CurlLoop::takeInbox() {
   Inbox inbox;
   {
-    const std::lock_guard lock(_mutex);
+    const std::lock_guard lock(_inboxMutex);
     std::swap(inbox.started, _inbox.started);
     std::swap(inbox.dropped, _inbox.dropped);
     inbox.isStopping = _inbox.isStopping;
@@ -153,9 +208,27 @@ CurlEasyHandle CurlLoop::idleHandle() {
   return handle;
 }
 
+/// Does what libcurl can do now without waiting.
 void CurlLoop::transfer() {
+  // It asks to be called again and again, mostly at once, until there is nothing to do but to wait; the bound is there
+  // because nobody promises that.
+  for (int round = 0; round < 100 && _timerDue && *_timerDue <= reactive::steadyNow(); ++round) {
+    _timerDue.reset();
+    int count = 0;
+    curl_multi_socket_action(_multi.get(), CURL_SOCKET_TIMEOUT, 0, &count);
+  }
+  takeFinished();
+}
+
+void CurlLoop::transferOn(int socket, SocketWatch::Interest ready, bool hasFailed) {
+  const int what = (ready.isForReading ? CURL_CSELECT_IN : 0) | (ready.isForWriting ? CURL_CSELECT_OUT : 0) |
+                   (hasFailed ? CURL_CSELECT_ERR : 0);
   int count = 0;
-  curl_multi_perform(_multi.get(), &count);
+  curl_multi_socket_action(_multi.get(), socket, what, &count);
+}
+
+void CurlLoop::takeFinished() {
+  int count = 0;
   while (const CURLMsg* message = curl_multi_info_read(_multi.get(), &count)) {
     if (message->msg != CURLMSG_DONE) continue;
     CurlExchange* const exchange = exchangeOf(message->easy_handle);
@@ -189,36 +262,41 @@ reactive::Ref<SessionTask> CurlLoop::end(CurlExchange* exchange) {
   return task;
 }
 
-void CurlLoop::deliver() {
-  for (auto& finished : std::exchange(_finished, {})) {
-    if (!_delegateQueue) {
-      finished.first->complete(std::move(finished.second));
-      continue;
-    }
-    _delegateQueue->schedule([task = std::move(finished.first), outcome = std::move(finished.second)]() mutable {
+void CurlLoop::deliver(Finished finished) {
+  for (auto& entry : finished) {
+    auto& [task, outcome] = entry;
+    if (_delegateQueue) {
+      _delegateQueue->schedule(
+          [task = std::move(task), outcome = std::move(outcome)]() mutable { task->complete(std::move(outcome)); });
+    } else {
       task->complete(std::move(outcome));
-    });
+    }
   }
 }
 
-void CurlLoop::wait() {
-  // Exchanges that ended have made room for others.
-  if (!_waiting.empty() && _running.size() < kMaximumRunning) return;
-  // An hour is for ever here: whatever happens wakes it up.
-  std::chrono::milliseconds duration = std::chrono::hours(1);
-  const reactive::TimePoint now = reactive::steadyNow();
+/// When there is something to do though nothing comes.
+std::optional<reactive::TimePoint> CurlLoop::nextDue() const {
+  std::optional<reactive::TimePoint> due = _timerDue;
   for (const auto& exchange : _running) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(exchange->deadline() - now);
-    duration = std::clamp(left, std::chrono::milliseconds(0), duration);
+    const reactive::TimePoint deadline = exchange->deadline();
+    if (!due || deadline < *due) due = deadline;
   }
-  curl_multi_poll(_multi.get(), nullptr, 0, static_cast<int>(duration.count()), nullptr);
+  return due;
 }
 
 void CurlLoop::cancelAll() {
-  const URLError error{URLError::Code::cancelled, "The session has ended"};
-  while (!_running.empty()) finish(_running.front().get(), std::unexpected(error));
-  for (auto& task : std::exchange(_waiting, {})) _finished.emplace_back(std::move(task), std::unexpected(error));
-  deliver();
+  Finished finished;
+  {
+    const std::lock_guard driving(_driving);
+    const URLError error{URLError::Code::cancelled, "The session has ended"};
+    while (!_running.empty()) finish(_running.front().get(), std::unexpected(error));
+    for (auto& task : std::exchange(_waiting, {})) _finished.emplace_back(std::move(task), std::unexpected(error));
+    finished = std::exchange(_finished, {});
+    _idleHandles.clear();
+    // Here, because closing its connections writes to them.
+    _multi.reset();
+  }
+  deliver(std::move(finished));
 }
 
 }  // namespace kestrom::networking

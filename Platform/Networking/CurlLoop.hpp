@@ -6,16 +6,20 @@
 #include "Platform/Networking/CurlSessionConfiguration.hpp"
 #include "Platform/Networking/NetworkInterfaces.hpp"
 #include "Platform/Networking/SessionTask.hpp"
+#include "Platform/Networking/SocketWatch.hpp"
 
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace kestrom::networking {
 
-/// Runs all exchanges of a session on the thread that calls `run`. Owned by the session and by that thread.
+/// Runs all exchanges of a session. One thread, that of `run`, waits for all of them; whoever starts a task while that
+/// thread waits puts its request on its way himself, since waking a thread takes longer than sending a small request.
+/// Owned by the session and by the thread.
 class CurlLoop {
  public:
   /// Completions run on `delegateQueue`, or on the loop's own thread when it is null.
@@ -24,7 +28,7 @@ class CurlLoop {
   CurlLoop& operator=(const CurlLoop&) = delete;
   ~CurlLoop();
 
-  /// Takes a task up. Any thread.
+  /// Takes a task up. Any thread; does not wait for others.
   void start(reactive::Ref<SessionTask> task);
   /// Ends the exchange of a task that is cancelled. Any thread.
   void drop(reactive::Ref<SessionTask> task);
@@ -42,7 +46,10 @@ class CurlLoop {
   struct CleanUpMulti {
     void operator()(void* handle) const;
   };
+  struct Callbacks;
+  using Finished = std::vector<std::pair<reactive::Ref<SessionTask>, SessionTask::Outcome>>;
 
+  bool startHere(reactive::Ref<SessionTask>& task);
   template <class Change>
   void post(Change change);
   bool takeInbox();
@@ -50,28 +57,35 @@ class CurlLoop {
   void startWaiting();
   void begin(reactive::Ref<SessionTask> task);
   void transfer();
+  void transferOn(int socket, SocketWatch::Interest ready, bool hasFailed);
+  void takeFinished();
   void endOverdue();
   void finish(CurlExchange* exchange, SessionTask::Outcome outcome);
   reactive::Ref<SessionTask> end(CurlExchange* exchange);
   CurlEasyHandle idleHandle();
-  void deliver();
-  void wait();
+  void deliver(Finished finished);
+  std::optional<reactive::TimePoint> nextDue() const;
   void cancelAll();
 
   const CurlSessionConfiguration _configuration;
   reactive::Scheduler* const _delegateQueue;
   const NetworkProbe _hasNetwork;
+  SocketWatch _watch;
 
-  // Guarded by the mutex. The handle itself belongs to the loop's thread; others only wake it up.
-  std::mutex _mutex;
+  std::mutex _inboxMutex;
   Inbox _inbox;
-  std::unique_ptr<void, CleanUpMulti> _multi;
 
-  // Used by the loop's thread only.
+  // Guarded by the mutex, libcurl's handles among it: whoever holds it drives the exchanges.
+  std::mutex _driving;
+  std::unique_ptr<void, CleanUpMulti> _multi;
+  /// When libcurl wants to be called though nothing has come.
+  std::optional<reactive::TimePoint> _timerDue;
+  /// When the loop's thread wakes up by itself; absent: never.
+  std::optional<reactive::TimePoint> _sleepsUntil;
   std::deque<reactive::Ref<SessionTask>> _waiting;
   std::vector<std::unique_ptr<CurlExchange>> _running;
   std::vector<CurlEasyHandle> _idleHandles;
-  std::vector<std::pair<reactive::Ref<SessionTask>, SessionTask::Outcome>> _finished;
+  Finished _finished;
 };
 
 }  // namespace kestrom::networking

@@ -1,7 +1,6 @@
 #include "Platform/Networking/RequestContent.hpp"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -20,9 +19,9 @@ std::expected<RequestContent, URLError> RequestContent::ofFile(const foundation:
   if (!path) return cannotOpen(path.error().message);
   auto file = foundation::PosixFile::open(*path, O_RDONLY);
   if (!file) return cannotOpen(file.error().message);
-  struct stat status{};
-  if (::stat(path->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return cannotOpen("Not a regular file");
-  return RequestContent(std::move(*file), static_cast<std::uint64_t>(status.st_size));
+  const auto size = file->size();
+  if (!size) return cannotOpen(size.error().message);
+  return RequestContent(std::move(*file), *size);
 }
 
 std::expected<std::size_t, URLError> RequestContent::read(std::span<std::uint8_t> buffer) {

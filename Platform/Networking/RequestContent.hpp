@@ -22,6 +22,8 @@ class RequestContent {
   static std::expected<RequestContent, URLError> ofFile(const foundation::URL& url);
 
   std::uint64_t size() const { return _size; }
+  /// All of it, when it lies in memory; null for a file's.
+  const std::uint8_t* bytes() const { return _file ? nullptr : _bytes.data(); }
 
   /// Fills `buffer` as far as content is left and gives the number of bytes; fails when the file has become shorter.
   std::expected<std::size_t, URLError> read(std::span<std::uint8_t> buffer);

@@ -43,9 +43,9 @@ TEST_F(CancelTest, StartsNothingThatIsCancelledBefore) {
   const auto session = sessionFor(*server);
   std::promise<void> isDone;
   std::optional<reactive::AnyCancellable> second;
-  // While the first completion runs, nothing else does.
+  // While the first completion runs, nothing else does; what needs a file waits for the session's thread.
   const auto first = session->dataTask(requestTo("https://api.test/"), [&](const DataResult&) {
-    second = session->dataTask(requestTo("https://api.test/"), [&](const DataResult&) { ADD_FAILURE(); });
+    second = session->downloadTask(requestTo("https://api.test/"), [&](const DownloadResult&) { ADD_FAILURE(); });
     second->cancel();
     isDone.set_value();
   });

@@ -1,0 +1,70 @@
+#include "Platform/Networking/SocketWatch.hpp"
+
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace kestrom::networking {
+
+SocketWatch::SocketWatch() : _poll(::epoll_create1(EPOLL_CLOEXEC)), _signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (!isUsable()) return;
+  epoll_event event{};
+  event.events = EPOLLIN;
+  event.data.fd = _signal;
+  ::epoll_ctl(_poll, EPOLL_CTL_ADD, _signal, &event);
+}
+
+SocketWatch::~SocketWatch() {
+  if (_poll >= 0) ::close(_poll);
+  if (_signal >= 0) ::close(_signal);
+}
+
+void SocketWatch::set(int socket, Interest interest) {
+  epoll_event event{};
+  event.events = (interest.isForReading ? EPOLLIN : 0u) | (interest.isForWriting ? EPOLLOUT : 0u);
+  event.data.fd = socket;
+  // The number of a socket that was closed may have come back as another one's, which the system does not watch yet.
+  const bool isKnown = !_sockets.insert(socket).second;
+  if (isKnown && ::epoll_ctl(_poll, EPOLL_CTL_MOD, socket, &event) == 0) return;
+  if (::epoll_ctl(_poll, EPOLL_CTL_ADD, socket, &event) != 0) ::epoll_ctl(_poll, EPOLL_CTL_MOD, socket, &event);
+}
+
+void SocketWatch::remove(int socket) {
+  if (_sockets.erase(socket) == 0) return;
+  epoll_event ignored{};
+  ::epoll_ctl(_poll, EPOLL_CTL_DEL, socket, &ignored);
+}
+
+void SocketWatch::wake() {
+  const std::uint64_t one = 1;
+  // It fails only when it is already set as often as it can be.
+  static_cast<void>(::write(_signal, &one, sizeof one));
+}
+
+void SocketWatch::wait(std::optional<std::chrono::milliseconds> duration) {
+  epoll_event events[kMaximumEvents];
+  const int timeout = duration ? static_cast<int>(std::min<std::int64_t>(duration->count(), 60'000)) : -1;
+  // A signal ends it early, which is no harm.
+  const int count = ::epoll_wait(_poll, events, kMaximumEvents, timeout);
+  _eventCount = 0;
+  for (int index = 0; index < count; ++index) {
+    if (events[index].data.fd == _signal) {
+      std::uint64_t wakes = 0;
+      static_cast<void>(::read(_signal, &wakes, sizeof wakes));
+    } else {
+      _events[_eventCount++] = {events[index].data.fd, events[index].events};
+    }
+  }
+}
+
+void SocketWatch::drain(const OnReady& onReady) {
+  for (int index = 0; index < _eventCount; ++index) {
+    const auto [socket, what] = _events[index];
+    onReady(socket, {(what & EPOLLIN) != 0, (what & EPOLLOUT) != 0}, (what & (EPOLLERR | EPOLLHUP)) != 0);
+  }
+  _eventCount = 0;
+}
+
+}  // namespace kestrom::networking
