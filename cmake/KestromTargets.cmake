@@ -6,7 +6,9 @@ target_compile_options(kestrom_options INTERFACE
   $<BUILD_INTERFACE:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual>
   # g++ 12 warns of overlapping copies inside std::string that cannot happen (its bug 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  $<$<BOOL:${KESTROM_WARNINGS_AS_ERRORS}>:-Werror>)
+  $<$<BOOL:${KESTROM_WARNINGS_AS_ERRORS}>:-Werror>
+  # So that the linker can leave out of the shared library what nobody calls.
+  $<BUILD_INTERFACE:-ffunction-sections -fdata-sections>)
 if(KESTROM_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Under the sanitizers it takes the empty state of std::optional for an uninitialised value.
   target_compile_options(kestrom_options INTERFACE -Wno-maybe-uninitialized)

@@ -15,8 +15,8 @@ struct URLRequest {
   foundation::URL url;
   std::string method = "GET";
   /// Without one the request has no content. An upload has its body in a file instead.
-  std::optional<foundation::Bytes> body;
-  HTTPHeaders headers;
+  std::optional<foundation::Bytes> body = std::nullopt;
+  HTTPHeaders headers = {};
   /// How long nothing at all may come or go before the request fails.
   std::chrono::nanoseconds timeoutInterval = std::chrono::seconds(60);
 

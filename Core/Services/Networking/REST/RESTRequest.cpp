@@ -45,7 +45,6 @@ networking::URLRequest RESTRequest::urlRequest(const foundation::Clock& clock) c
       .url = urlOf(*this),
       .method = wireText(method()),
       .body = body(clock),
-      .headers = {},
       .timeoutInterval = std::chrono::seconds(60),
   };
   for (const auto& header : headers()) request.headers.set(header.name, header.value);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Kestrom/Export.hpp"
+#include "Kestrom/Platform/Bundle.hpp"
+#include "Kestrom/Platform/Platform.hpp"
+#include "Kestrom/Platform/URL.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kestrom {
+
+/// What can be chosen of the Linux platform.
+struct LinuxPlatformOptions {
+  /// A host name or an address, an IPv6 one without brackets.
+  struct Address {
+    std::string host;
+    std::uint16_t port = 0;
+  };
+
+  /// Where the user's data lie; absent: "kestrom" in $XDG_DATA_HOME or in ~/.local/share.
+  std::optional<foundation::URL> documentsDirectory;
+  /// Absent: "kestrom" in the system's directory for temporary files.
+  std::optional<foundation::URL> temporaryDirectory;
+  /// Every connection goes there; URL, Host header, TLS server name and certificate check stay those of the request.
+  std::optional<Address> connectTo;
+  /// File of certificates (PEM) to trust instead of the system's.
+  std::optional<foundation::URL> certificateAuthorityFile;
+  /// What the host says of itself, for example {"CFBundleName", "Inspector"}.
+  foundation::MapBundle::Values mainBundleValues;
+};
+
+/// The platform of a Linux system, every entry set. Its main queue has a thread of its own, so that a host without a
+/// loop need not pump one.
+KESTROM_API Platform linuxPlatform(const LinuxPlatformOptions& options = {});
+
+}  // namespace kestrom
