@@ -1,5 +1,6 @@
 #include "Apps/kestrom/Lint/LintCommand.hpp"
 #include "Apps/kestrom/PreviewCommand.hpp"
+#include "Apps/kestrom/StatusCommand.hpp"
 #include "Apps/kestrom/WalkCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -13,8 +14,10 @@
 
 namespace {
 
+using kestrom::app::HostOptions;
 using kestrom::app::LintArguments;
 using kestrom::app::PreviewArguments;
+using kestrom::app::StatusArguments;
 using kestrom::app::WalkArguments;
 
 constexpr int kFailed = 1;
@@ -86,6 +89,36 @@ void addPreview(CLI::App& program, PreviewArguments& arguments, std::function<in
   });
 }
 
+void addHostOptions(CLI::App& command, HostOptions& options) {
+  command.add_option("--organization", options.organization, "The configuration's organization");
+  command.add_option("--environment", options.environment, "staging, sandbox or production (default: sandbox)");
+  command.add_option("--font", options.font, "The configuration's font family");
+  command.add_flag("--no-configuration", options.noConfiguration, "Leaves the kit without a configuration");
+  command.add_option("--connect-to", options.connectTo,
+                     "HOST:PORT that every connection goes to; URL and certificate check stay those of the API host");
+  command.add_option("--cacert", options.caFile, "Certificate authority to trust instead of the system's (PEM)");
+  command.add_option("--documents", options.documentsDirectory, "The documents directory");
+  command.add_option("--temporary", options.temporaryDirectory, "The temporary directory");
+  command.add_flag("--logs", options.logs, "Writes the kit's log to the standard error stream");
+  command.add_option("--location", options.location,
+                     "What the device's location does: LAT,LNG, LAT,LNG,reduced, denied, fails or never (default: "
+                     "denied)");
+  command.add_option("--notifications", options.notifications,
+                     "The permission for notifications: undetermined, granted or denied (default: undetermined)");
+  command.add_option("--app-name", options.appName, "What the host's bundle says of its name");
+  command.add_option("--app-version", options.appVersion, "What the host's bundle says of its version");
+  command.add_option("--phone-model", options.phoneModel, "What the device says of its hardware");
+}
+
+void addStatus(CLI::App& program, StatusArguments& arguments, std::function<int()>& run) {
+  CLI::App* command = program.add_subcommand("status", "Asks a server for the state of a case and prints it as JSON");
+  command->add_option("--zip", arguments.zipCode, "Postal code of the property")->required();
+  command->add_option("--access", arguments.accessCode, "Access code of the case")->required();
+  addHostOptions(*command, arguments.host);
+  command->callback(
+      [&arguments, &run] { run = [&arguments] { return kestrom::app::runStatus(arguments, std::cout, std::cerr); }; });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -94,20 +127,22 @@ int main(int argc, char** argv) {
   WalkArguments walk;
   LintArguments lint;
   PreviewArguments preview;
+  StatusArguments status;
   std::function<int()> run;
   addWalk(program, walk, run);
   addLint(program, lint, run);
   addPreview(program, preview, run);
+  addStatus(program, status, run);
 
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return program.exit(error, std::cout, std::cerr) == 0 ? 0 : kWrongUsage;
   }
-  const int status = run();
+  const int exitStatus = run();
   if (!std::cout.flush()) {
     std::cerr << "kestrom: the standard output cannot be written\n";
     return kFailed;
   }
-  return status;
+  return exitStatus;
 }

@@ -21,8 +21,8 @@ Database::Database(const std::filesystem::path& file) {
   }
   try {
     sqlite3_busy_timeout(_connection, 5000);
-    // What was answered survives the end of this process at any point; a power cut may take the last moments.
-    execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON");
+    // What was acknowledged is on the disk: a client forgets what a server has taken.
+    execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON");
   } catch (const DatabaseFault&) {
     sqlite3_close(_connection);
     throw;
