@@ -73,7 +73,7 @@ class KESTROM_API KestromSDK final {
                           std::function<void(std::expected<KestromStatus, KestromError>)> completion);
 
   /// Calls `callback` on the main thread for each event of all flows from now on. There is one observer: a later call
-  /// takes the place of an earlier one.
+  /// takes the place of an earlier one. Not from two threads at once.
   void observeKestromEvents(std::function<void(const KestromEvent&)> callback);
 
  private:
