@@ -5,6 +5,7 @@
 #include "Platform/Networking/RequestRules.hpp"
 
 #include <curl/curl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -126,9 +127,15 @@ struct CurlExchange::Callbacks {
 
   /// Called before the request goes out, once a connection stands. libcurl makes a second attempt by itself when a
   /// connection that it uses again ends before an answer comes; the server may have acted on the first one.
-  static int aboutToSend(void* object, char*, char*, int, int) noexcept {
-    const bool isFirst = ++static_cast<CurlExchange*>(object)->_attemptCount == 1;
-    return isFirst ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+  static int aboutToSend(void* object, char*, char*, int, int localPort) noexcept {
+    auto& exchange = *static_cast<CurlExchange*>(object);
+    exchange._localPort = localPort;
+    return ++exchange._attemptCount == 1 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+  }
+
+  static int closeSocket(void* keptConnections, curl_socket_t socket) noexcept {
+    static_cast<KeptConnections*>(keptConnections)->forget(socket);
+    return ::close(socket);
   }
 
   static int progress(void* object, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept {
@@ -138,9 +145,10 @@ struct CurlExchange::Callbacks {
   }
 };
 
-CurlExchange::CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle)
+CurlExchange::CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle, KeptConnections& keptConnections)
     : _task(std::move(task)),
       _handle(std::move(handle)),
+      _keptConnections(keptConnections),
       _timeout(
           std::clamp<reactive::Duration>(_task->request().timeoutInterval, reactive::Duration(0), kMaximumTimeout)),
       _lastActivity(reactive::steadyNow()) {}
@@ -243,6 +251,9 @@ void CurlExchange::setCallbacks() {
   set(CURLOPT_READDATA, this);
   set(CURLOPT_PREREQFUNCTION, &Callbacks::aboutToSend);
   set(CURLOPT_PREREQDATA, this);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &Callbacks::closeSocket);
+  // A connection lives on after the exchange.
+  set(CURLOPT_CLOSESOCKETDATA, &_keptConnections);
   set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
   set(CURLOPT_XFERINFODATA, this);
   set(CURLOPT_NOPROGRESS, 0L);
@@ -287,6 +298,7 @@ void CurlExchange::setHeaders() {
 }
 
 SessionTask::Outcome CurlExchange::takeOutcome(int result, const NetworkProbe& hasNetwork) {
+  keepConnection();
   if (_failure) return std::unexpected(std::move(*_failure));
   if (result != CURLE_OK) return std::unexpected(errorOf(result, hasNetwork));
   // To libcurl a head that breaks off is an answer without content.
@@ -310,6 +322,13 @@ URLError CurlExchange::errorOf(int result, const NetworkProbe& hasNetwork) const
   const bool isOut = code == Code::cannotFindHost || (code == Code::cannotConnectToHost && isUnreachable(systemError));
   if (isOut && !hasNetwork()) code = Code::notConnectedToInternet;
   return {code, curl_easy_strerror(curlCode)};
+}
+
+void CurlExchange::keepConnection() {
+  curl_socket_t socket = CURL_SOCKET_BAD;
+  // There is none when the connection is not kept.
+  curl_easy_getinfo(_handle.get(), CURLINFO_ACTIVESOCKET, &socket);
+  if (socket != CURL_SOCKET_BAD) _keptConnections.keep(socket);
 }
 
 void CurlExchange::noteActivity() {

@@ -3,6 +3,7 @@
 #include "Kestrom/Platform/Scheduler.hpp"
 #include "Platform/Networking/CurlEasyHandle.hpp"
 #include "Platform/Networking/CurlSessionConfiguration.hpp"
+#include "Platform/Networking/KeptConnections.hpp"
 #include "Platform/Networking/NetworkInterfaces.hpp"
 #include "Platform/Networking/RequestContent.hpp"
 #include "Platform/Networking/ResponseHead.hpp"
@@ -22,7 +23,7 @@ namespace kestrom::networking {
 /// it is while the handle runs. Used by the session's I/O thread only.
 class CurlExchange {
  public:
-  CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle);
+  CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle, KeptConnections& keptConnections);
   CurlExchange(const CurlExchange&) = delete;
   CurlExchange& operator=(const CurlExchange&) = delete;
   ~CurlExchange();
@@ -37,6 +38,9 @@ class CurlExchange {
 
   /// When it has timed out unless bytes come or go before.
   reactive::TimePoint deadline() const { return _lastActivity + _timeout; }
+
+  /// Of the connection that carries the request; 0 before there is one.
+  int localPort() const { return _localPort; }
 
   /// What became of it, by libcurl's result. To be called once.
   SessionTask::Outcome takeOutcome(int result, const NetworkProbe& hasNetwork);
@@ -59,10 +63,12 @@ class CurlExchange {
   void setHeaders();
   std::expected<void, URLError> openContents(const CurlSessionConfiguration& configuration);
   URLError errorOf(int result, const NetworkProbe& hasNetwork) const;
+  void keepConnection();
   void noteActivity();
 
   reactive::Ref<SessionTask> _task;
   CurlEasyHandle _handle;
+  KeptConnections& _keptConnections;
   List _headers;
   List _connectTo;
   std::optional<RequestContent> _requestContent;
@@ -73,6 +79,7 @@ class CurlExchange {
   /// The first option that libcurl did not take.
   int _refusal = 0;
   int _attemptCount = 0;
+  int _localPort = 0;
   std::int64_t _transferredCount = 0;
   reactive::Duration _timeout;
   reactive::TimePoint _lastActivity;

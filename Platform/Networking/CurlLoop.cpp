@@ -187,18 +187,26 @@ void CurlLoop::startWaiting() {
 }
 
 void CurlLoop::begin(reactive::Ref<SessionTask> task) {
+  endStaleConnections();
   CurlEasyHandle handle = idleHandle();
   if (!handle) {
     _finished.emplace_back(std::move(task), std::unexpected(errorOfLibrary()));
     return;
   }
   CurlExchange* const exchange =
-      _running.emplace_back(std::make_unique<CurlExchange>(std::move(task), std::move(handle))).get();
+      _running.emplace_back(std::make_unique<CurlExchange>(std::move(task), std::move(handle), _keptConnections)).get();
   if (auto prepared = exchange->prepare(_configuration); !prepared) {
     finish(exchange, std::unexpected(std::move(prepared.error())));
   } else if (curl_multi_add_handle(_multi.get(), exchange->handle()) != CURLM_OK) {
     finish(exchange, std::unexpected(errorOfLibrary()));
   }
+}
+
+/// To be called right before libcurl chooses a connection.
+void CurlLoop::endStaleConnections() {
+  std::vector<int> portsInUse;
+  for (const auto& exchange : _running) portsInUse.push_back(exchange->localPort());
+  _keptConnections.endStale(portsInUse);
 }
 
 CurlEasyHandle CurlLoop::idleHandle() {

@@ -4,6 +4,7 @@
 #include "Platform/Networking/CurlEasyHandle.hpp"
 #include "Platform/Networking/CurlExchange.hpp"
 #include "Platform/Networking/CurlSessionConfiguration.hpp"
+#include "Platform/Networking/KeptConnections.hpp"
 #include "Platform/Networking/NetworkInterfaces.hpp"
 #include "Platform/Networking/SessionTask.hpp"
 #include "Platform/Networking/SocketWatch.hpp"
@@ -56,6 +57,7 @@ class CurlLoop {
   void dropTask(const SessionTask& task);
   void startWaiting();
   void begin(reactive::Ref<SessionTask> task);
+  void endStaleConnections();
   void transfer();
   void transferOn(int socket, SocketWatch::Interest ready, bool hasFailed);
   void takeFinished();
@@ -85,6 +87,7 @@ class CurlLoop {
   std::deque<reactive::Ref<SessionTask>> _waiting;
   std::vector<std::unique_ptr<CurlExchange>> _running;
   std::vector<CurlEasyHandle> _idleHandles;
+  KeptConnections _keptConnections;
   Finished _finished;
 };
 

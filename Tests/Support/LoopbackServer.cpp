@@ -89,6 +89,10 @@ void LoopbackConnection::closeProperly() {
   SSL_shutdown(_ssl);
 }
 
+void LoopbackConnection::endStream() {
+  ::shutdown(_socket, SHUT_WR);
+}
+
 void LoopbackConnection::reset() {
   const linger atOnce{1, 0};
   ::setsockopt(_socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);

@@ -46,6 +46,8 @@ class LoopbackConnection {
   void pause(std::chrono::milliseconds duration);
   /// Ends the stream as TLS wants it; without it a connection is just cut when its script returns.
   void closeProperly();
+  /// Sends the end of the stream, and nothing more.
+  void endStream();
   /// Cuts the connection by a reset instead of an end, when its script returns.
   void reset();
 

@@ -81,6 +81,28 @@ TEST_F(FailureTest, NeverSendsARequestTwice) {
   }
 }
 
+TEST_F(FailureTest, TakesANewConnectionWhenTheServerHasEndedAnIdleOne) {
+  for (const bool isProper : {true, false}) {
+    CountDown isEnded(1);
+    const auto server = serve([&](LoopbackConnection& connection, int index) {
+      if (index > 0) return LoopbackServer::answering(answerOf("second"))(connection, index);
+      connection.readRequest();
+      connection.send(answerOf("first"));
+      if (isProper) connection.closeProperly();
+      connection.endStream();
+      isEnded.count();
+      connection.waitForEnd();
+    });
+    const auto session = sessionFor(*server);
+    const auto request = postTo("https://api.test/", "body");
+    EXPECT_EQ(textOf(fetch(*session, request)), "first") << isProper;
+    EXPECT_TRUE(isEnded.wait());
+    EXPECT_EQ(textOf(fetch(*session, request)), "second") << isProper;
+    EXPECT_EQ(textOf(fetch(*session, request)), "second") << isProper;
+    EXPECT_EQ(server->connectionCount(), 2) << isProper;
+  }
+}
+
 TEST_F(FailureTest, ChecksWhoTheServerIs) {
   const tests::LoopbackAuthority other("Other authority");
   const std::string garbage = writeFile("garbage.pem", "no certificate").path();
