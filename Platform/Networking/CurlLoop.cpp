@@ -272,13 +272,13 @@ reactive::Ref<SessionTask> CurlLoop::end(CurlExchange* exchange) {
 
 void CurlLoop::deliver(Finished finished) {
   for (auto& entry : finished) {
-    auto& [task, outcome] = entry;
-    if (_delegateQueue) {
-      _delegateQueue->schedule(
-          [task = std::move(task), outcome = std::move(outcome)]() mutable { task->complete(std::move(outcome)); });
-    } else {
-      task->complete(std::move(outcome));
+    if (!_delegateQueue) {
+      entry.first->complete(std::move(entry.second));
+      continue;
     }
+    _delegateQueue->schedule([task = std::move(entry.first), outcome = std::move(entry.second)]() mutable {
+      task->complete(std::move(outcome));
+    });
   }
 }
 
