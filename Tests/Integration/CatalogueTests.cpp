@@ -44,7 +44,8 @@ struct Arrived {
   /// Headers come as pairs, in the order in which they arrived.
   std::optional<std::string> header(std::string_view name) const {
     networking::HTTPHeaders headers;
-    for (const JSONValue pair : *line.root().member("headers")) {
+    const JSONValue pairs = line.root().member("headers").value();
+    for (const JSONValue pair : pairs) {
       const auto nameAt = pair.begin();
       auto valueAt = nameAt;
       ++valueAt;

@@ -8,11 +8,9 @@
 #include <stdexcept>
 #include <string_view>
 
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace kestrom::tests {
 
@@ -47,15 +45,19 @@ SandboxProcess::SandboxProcess(const std::optional<std::string>& faults) : _fold
 
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe to the sandbox");
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-  posix_spawn_file_actions_addclose(&actions, ends[0]);
-  posix_spawn_file_actions_addclose(&actions, ends[1]);
-  const int error = posix_spawn(&_process, KESTROM_SANDBOX_PROGRAM, &actions, nullptr, raw.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
+  const pid_t parent = getpid();
+  _process = fork();
+  if (_process == 0) {
+    // A test that crashes takes its server along.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    execv(KESTROM_SANDBOX_PROGRAM, raw.data());
+    _exit(1);
+  }
   close(ends[1]);
-  if (error != 0) _process = -1;
   readSettings(ends[0]);
   close(ends[0]);
   if (_address.empty()) {
