@@ -21,7 +21,7 @@ namespace {
 
 using foundation::URL;
 
-/// Where a user's programs keep their data (XDG Base Directory Specification).
+/// Where a user's programs keep their data (XDG base directories).
 std::filesystem::path userDataDirectory() {
   const char* data = std::getenv("XDG_DATA_HOME");
   if (data && *data == '/') return data;
