@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Models/KestromEventDTO.hpp"
 #include "Platform/Foundation/JSONCoding.hpp"
 
 #include <array>
@@ -7,17 +8,12 @@
 #include <string>
 #include <vector>
 
-/// The bodies that clients send, as far as the server reads them, and the records of a seed. Answers have theirs in
-/// Core/Models.
+/// The bodies that clients send, as far as the server reads them otherwise than the kit writes them, and the records of
+/// a seed. What is the same on both sides comes from Core/Models.
 namespace kestrom::sandbox {
 
 /// A date in ISO 8601; only its form is of interest.
 struct DateText {};
-
-struct CredentialsBody {
-  std::string zipCode;
-  std::string accessCode;
-};
 
 struct SubmitBody {
   std::string status;
@@ -41,62 +37,16 @@ struct GeocodeBody {
   double width = 0;
 };
 
-struct EventPropertiesBody {
-  std::optional<std::string> status;
-  std::optional<double> activeTime;
-  std::optional<std::string> message;
-  std::optional<std::string> messageType;
-  std::optional<std::string> moduleKey;
-  std::optional<std::string> messageKey;
-  std::optional<std::string> loginType;
-  std::optional<std::string> phase;
-};
-
-struct MobileContextBody {
-  std::optional<std::string> appVersion;
-  std::optional<std::string> appName;
-};
-
-struct DeviceContextBody {
-  std::string manufacturer;
-  std::optional<std::string> model;
-};
-
-struct LocationContextBody {
-  double latitude = 0;
-  double longitude = 0;
-};
-
-struct EventContextBody {
-  std::optional<MobileContextBody> mobile;
-  std::optional<DeviceContextBody> device;
-  std::optional<LocationContextBody> location;
-};
-
 struct EventDetailsBody {
   std::string eventName;
   DateText timestamp;
-  EventPropertiesBody eventProperties;
-  EventContextBody eventContext;
-};
-
-struct EventUserPropertiesBody {
-  std::string botId;
-  std::string botName;
-  std::string organizationId;
-  std::string status;
-};
-
-struct EventUserBody {
-  std::string id;
-  std::string displayName;
-  std::string email;
-  EventUserPropertiesBody properties;
+  models::EventProperties eventProperties;
+  models::EventContext eventContext;
 };
 
 struct EventBody {
   std::vector<EventDetailsBody> eventDetails;
-  EventUserBody eventUser;
+  models::KestromEventDTO::UserDTO eventUser;
 };
 
 struct EventsBody {
@@ -163,14 +113,6 @@ struct Coder<sandbox::DateText> {
 };
 
 template <>
-struct Coding<sandbox::CredentialsBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::CredentialsBody::zipCode>("zipCode"),
-      field<&sandbox::CredentialsBody::accessCode>("accessCode"),
-  };
-};
-
-template <>
 struct Coding<sandbox::SubmitBody> {
   static constexpr std::array kFields{
       field<&sandbox::SubmitBody::status>("status"),
@@ -205,79 +147,12 @@ struct Coding<sandbox::GeocodeBody> {
 };
 
 template <>
-struct Coding<sandbox::EventPropertiesBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::EventPropertiesBody::status>("status"),
-      field<&sandbox::EventPropertiesBody::activeTime>("activeTime"),
-      field<&sandbox::EventPropertiesBody::message>("message"),
-      field<&sandbox::EventPropertiesBody::messageType>("messageType"),
-      field<&sandbox::EventPropertiesBody::moduleKey>("moduleKey"),
-      field<&sandbox::EventPropertiesBody::messageKey>("messageKey"),
-      field<&sandbox::EventPropertiesBody::loginType>("loginType"),
-      field<&sandbox::EventPropertiesBody::phase>("phase"),
-  };
-};
-
-template <>
-struct Coding<sandbox::MobileContextBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::MobileContextBody::appVersion>("appVersion"),
-      field<&sandbox::MobileContextBody::appName>("appName"),
-  };
-};
-
-template <>
-struct Coding<sandbox::DeviceContextBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::DeviceContextBody::manufacturer>("manufacturer"),
-      field<&sandbox::DeviceContextBody::model>("model"),
-  };
-};
-
-template <>
-struct Coding<sandbox::LocationContextBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::LocationContextBody::latitude>("latitude"),
-      field<&sandbox::LocationContextBody::longitude>("longitude"),
-  };
-};
-
-template <>
-struct Coding<sandbox::EventContextBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::EventContextBody::mobile>("mobile"),
-      field<&sandbox::EventContextBody::device>("device"),
-      field<&sandbox::EventContextBody::location>("location"),
-  };
-};
-
-template <>
 struct Coding<sandbox::EventDetailsBody> {
   static constexpr std::array kFields{
       field<&sandbox::EventDetailsBody::eventName>("eventName"),
       field<&sandbox::EventDetailsBody::timestamp>("timestamp"),
       field<&sandbox::EventDetailsBody::eventProperties>("eventProperties"),
       field<&sandbox::EventDetailsBody::eventContext>("eventContext"),
-  };
-};
-
-template <>
-struct Coding<sandbox::EventUserPropertiesBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::EventUserPropertiesBody::botId>("botId"),
-      field<&sandbox::EventUserPropertiesBody::botName>("botName"),
-      field<&sandbox::EventUserPropertiesBody::organizationId>("organizationId"),
-      field<&sandbox::EventUserPropertiesBody::status>("status"),
-  };
-};
-
-template <>
-struct Coding<sandbox::EventUserBody> {
-  static constexpr std::array kFields{
-      field<&sandbox::EventUserBody::id>("id"),
-      field<&sandbox::EventUserBody::displayName>("displayName"),
-      field<&sandbox::EventUserBody::email>("email"),
-      field<&sandbox::EventUserBody::properties>("properties"),
   };
 };
 

@@ -6,6 +6,7 @@
 #include "Apps/sandbox/Hosts.hpp"
 #include "Apps/sandbox/Places.hpp"
 #include "Core/Models/BotAPIAnswerCoding.hpp"
+#include "Core/Models/LoginDTO.hpp"
 #include "Platform/Foundation/DateText.hpp"
 
 #include <algorithm>
@@ -159,7 +160,7 @@ Response SandboxService::answerOnCase(const ServiceRequest& request, const std::
 }
 
 Response SandboxService::logIn(const ServiceRequest& request) {
-  const auto body = decodeBody<CredentialsBody>(request);
+  const auto body = decodeBody<models::MobileLoginRequestBody>(request);
   if (!body) return body.error();
   const auto record = _store.findCase(Credentials{body->zipCode, body->accessCode});
   if (!record) return unauthorized("no case has this postal code and access code");
@@ -176,7 +177,7 @@ Response SandboxService::logIn(const ServiceRequest& request) {
 }
 
 Response SandboxService::checkStatus(const ServiceRequest& request) {
-  const auto body = decodeBody<CredentialsBody>(request);
+  const auto body = decodeBody<models::MobileLoginRequestBody>(request);
   if (!body) return body.error();
   const auto record = _store.findCase(Credentials{body->zipCode, body->accessCode});
   if (!record) return unauthorized("no case has this postal code and access code");

@@ -20,7 +20,7 @@ struct curl_slist;
 namespace kestrom::networking {
 
 /// One request on its way and the answer as far as it has come. It holds what libcurl points to, so it must stay where
-/// it is while the handle runs. Used by the session's I/O thread only.
+/// it is while the handle runs. Used by whoever drives the exchanges, one at a time.
 class CurlExchange {
  public:
   CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle, KeptConnections& keptConnections);
