@@ -5,7 +5,6 @@
 #include "Platform/Networking/RequestRules.hpp"
 
 #include <curl/curl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -127,15 +126,13 @@ struct CurlExchange::Callbacks {
 
   /// Called before the request goes out, once a connection stands. libcurl makes a second attempt by itself when a
   /// connection that it uses again ends before an answer comes; the server may have acted on the first one.
-  static int aboutToSend(void* object, char*, char*, int, int localPort) noexcept {
+  static int aboutToSend(void* object, char*, char*, int, int) noexcept {
     auto& exchange = *static_cast<CurlExchange*>(object);
-    exchange._localPort = localPort;
     return ++exchange._attemptCount == 1 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
   }
 
   static int closeSocket(void* keptConnections, curl_socket_t socket) noexcept {
-    static_cast<KeptConnections*>(keptConnections)->forget(socket);
-    return ::close(socket);
+    return static_cast<KeptConnections*>(keptConnections)->close(socket);
   }
 
   static int progress(void* object, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept {

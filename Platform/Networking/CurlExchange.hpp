@@ -39,9 +39,6 @@ class CurlExchange {
   /// When it has timed out unless bytes come or go before.
   reactive::TimePoint deadline() const { return _lastActivity + _timeout; }
 
-  /// Of the connection that carries the request; 0 before there is one.
-  int localPort() const { return _localPort; }
-
   /// What became of it, by libcurl's result. To be called once.
   SessionTask::Outcome takeOutcome(int result, const NetworkProbe& hasNetwork);
 
@@ -79,7 +76,6 @@ class CurlExchange {
   /// The first option that libcurl did not take.
   int _refusal = 0;
   int _attemptCount = 0;
-  int _localPort = 0;
   std::int64_t _transferredCount = 0;
   reactive::Duration _timeout;
   reactive::TimePoint _lastActivity;

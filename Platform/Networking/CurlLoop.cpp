@@ -50,12 +50,14 @@ void CurlLoop::CleanUpMulti::operator()(void* handle) const {
 
 /// What libcurl calls while somebody drives it.
 struct CurlLoop::Callbacks {
-  static int onSocket(CURL*, curl_socket_t socket, int what, void* object, void*) noexcept {
-    SocketWatch& watch = static_cast<CurlLoop*>(object)->_watch;
+  static int onSocket(CURL* handle, curl_socket_t socket, int what, void* object, void*) noexcept {
+    CurlLoop& loop = *static_cast<CurlLoop*>(object);
     if (what == CURL_POLL_REMOVE) {
-      watch.remove(socket);
+      // A socket that did not connect is closed by now.
+      loop._watch.pause(socket);
     } else {
-      watch.set(socket, {(what & CURL_POLL_IN) != 0, (what & CURL_POLL_OUT) != 0});
+      const SocketWatch::Interest interest{(what & CURL_POLL_IN) != 0, (what & CURL_POLL_OUT) != 0};
+      loop._keptConnections.watch(socket, interest, exchangeOf(handle));
     }
     return 0;
   }
@@ -172,7 +174,7 @@ bool CurlLoop::takeInbox() {
 void CurlLoop::dropTask(const SessionTask& task) {
   const auto running = std::ranges::find_if(_running, [&](const auto& exchange) { return &exchange->task() == &task; });
   if (running != _running.end()) {
-    end(running->get());
+    abandon(running->get());
   } else {
     std::erase_if(_waiting, [&](const auto& waiting) { return waiting.get() == &task; });
   }
@@ -187,7 +189,7 @@ void CurlLoop::startWaiting() {
 }
 
 void CurlLoop::begin(reactive::Ref<SessionTask> task) {
-  endStaleConnections();
+  _keptConnections.endStale();
   CurlEasyHandle handle = idleHandle();
   if (!handle) {
     _finished.emplace_back(std::move(task), std::unexpected(errorOfLibrary()));
@@ -200,13 +202,6 @@ void CurlLoop::begin(reactive::Ref<SessionTask> task) {
   } else if (curl_multi_add_handle(_multi.get(), exchange->handle()) != CURLM_OK) {
     finish(exchange, std::unexpected(errorOfLibrary()));
   }
-}
-
-/// To be called right before libcurl chooses a connection.
-void CurlLoop::endStaleConnections() {
-  std::vector<int> portsInUse;
-  for (const auto& exchange : _running) portsInUse.push_back(exchange->localPort());
-  _keptConnections.endStale(portsInUse);
 }
 
 CurlEasyHandle CurlLoop::idleHandle() {
@@ -252,7 +247,8 @@ void CurlLoop::endOverdue() {
   for (std::size_t index = _running.size(); index-- > 0;) {
     CurlExchange* const exchange = _running[index].get();
     if (exchange->deadline() > now) continue;
-    finish(exchange, std::unexpected(URLError{URLError::Code::timedOut, "Nothing came or went for too long"}));
+    _finished.emplace_back(abandon(exchange),
+                           std::unexpected(URLError{URLError::Code::timedOut, "Nothing came or went for too long"}));
   }
 }
 
@@ -260,7 +256,13 @@ void CurlLoop::finish(CurlExchange* exchange, SessionTask::Outcome outcome) {
   _finished.emplace_back(end(exchange), std::move(outcome));
 }
 
-/// Gives the exchange up, whether it is whole or not.
+/// Gives up an exchange that is not over.
+reactive::Ref<SessionTask> CurlLoop::abandon(CurlExchange* exchange) {
+  // libcurl closes a socket that has not connected yet before it tells.
+  _watch.removeAll(exchange);
+  return end(exchange);
+}
+
 reactive::Ref<SessionTask> CurlLoop::end(CurlExchange* exchange) {
   // Closes the connection unless the exchange is whole; does nothing for a handle that was not added.
   curl_multi_remove_handle(_multi.get(), exchange->handle());
@@ -297,7 +299,7 @@ void CurlLoop::cancelAll() {
   {
     const std::lock_guard driving(_driving);
     const URLError error{URLError::Code::cancelled, "The session has ended"};
-    while (!_running.empty()) finish(_running.front().get(), std::unexpected(error));
+    while (!_running.empty()) _finished.emplace_back(abandon(_running.back().get()), std::unexpected(error));
     for (auto& task : std::exchange(_waiting, {})) _finished.emplace_back(std::move(task), std::unexpected(error));
     finished = std::exchange(_finished, {});
     _idleHandles.clear();

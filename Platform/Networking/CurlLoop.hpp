@@ -57,12 +57,12 @@ class CurlLoop {
   void dropTask(const SessionTask& task);
   void startWaiting();
   void begin(reactive::Ref<SessionTask> task);
-  void endStaleConnections();
   void transfer();
   void transferOn(int socket, SocketWatch::Interest ready, bool hasFailed);
   void takeFinished();
   void endOverdue();
   void finish(CurlExchange* exchange, SessionTask::Outcome outcome);
+  reactive::Ref<SessionTask> abandon(CurlExchange* exchange);
   reactive::Ref<SessionTask> end(CurlExchange* exchange);
   CurlEasyHandle idleHandle();
   void deliver(Finished finished);
@@ -87,7 +87,7 @@ class CurlLoop {
   std::deque<reactive::Ref<SessionTask>> _waiting;
   std::vector<std::unique_ptr<CurlExchange>> _running;
   std::vector<CurlEasyHandle> _idleHandles;
-  KeptConnections _keptConnections;
+  KeptConnections _keptConnections{_watch};
   Finished _finished;
 };
 

@@ -1,30 +1,14 @@
 #include "Platform/Networking/KeptConnections.hpp"
 
-#include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 
 namespace kestrom::networking {
 
 namespace {
-
-int localPortOf(int socket) {
-  sockaddr_in6 address{};
-  socklen_t size = sizeof address;
-  ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-  // The port stands at the same place in an address of IPv4.
-  static_assert(offsetof(sockaddr_in6, sin6_port) == offsetof(sockaddr_in, sin_port));
-  return ntohs(address.sin6_port);
-}
-
-bool hasInput(int socket) {
-  pollfd events{socket, POLLIN, 0};
-  return ::poll(&events, 1, 0) > 0;
-}
 
 void end(int socket) {
   // What has come would look like life, so it is taken away.
@@ -37,18 +21,29 @@ void end(int socket) {
 }  // namespace
 
 void KeptConnections::keep(int socket) {
-  forget(socket);
-  _connections.push_back({socket, localPortOf(socket)});
+  if (std::ranges::find(_sockets, socket) == _sockets.end()) _sockets.push_back(socket);
 }
 
-void KeptConnections::forget(int socket) {
-  std::erase_if(_connections, [&](const Connection& connection) { return connection.socket == socket; });
+void KeptConnections::watch(int socket, SocketWatch::Interest interest, const void* exchange) {
+  // Of other sockets it is not told here when they are closed.
+  const bool isKnown = std::ranges::find(_sockets, socket) != _sockets.end();
+  _watch.set(socket, interest, exchange, isKnown);
 }
 
-void KeptConnections::endStale(std::span<const int> localPortsInUse) {
-  for (const Connection& connection : _connections) {
-    const bool isInUse = std::ranges::find(localPortsInUse, connection.localPort) != localPortsInUse.end();
-    if (!isInUse && hasInput(connection.socket)) end(connection.socket);
+int KeptConnections::close(int socket) {
+  std::erase(_sockets, socket);
+  _watch.remove(socket);
+  return ::close(socket);
+}
+
+void KeptConnections::endStale() {
+  _questions.clear();
+  for (const int socket : _sockets) {
+    if (!_watch.isActive(socket)) _questions.push_back({socket, POLLIN, 0});
+  }
+  if (_questions.empty() || ::poll(_questions.data(), _questions.size(), 0) <= 0) return;
+  for (const pollfd& answer : _questions) {
+    if (answer.revents != 0) end(answer.fd);
   }
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
-#include <span>
+#include "Platform/Networking/SocketWatch.hpp"
+
+#include <poll.h>
+
 #include <vector>
 
 namespace kestrom::networking {
@@ -11,22 +14,25 @@ namespace kestrom::networking {
 /// must be gone before. Used by whoever drives the exchanges.
 class KeptConnections {
  public:
-  /// A connection that has served an exchange, whether or not it already serves another.
-  void keep(int socket);
-  /// The socket is about to be closed.
-  void forget(int socket);
+  /// `watch` outlives it.
+  explicit KeptConnections(SocketWatch& watch) : _watch(watch) {}
 
-  /// Has libcurl find those ended on which something came though no exchange uses them. Those in use are told by their
-  /// local ports.
-  void endStale(std::span<const int> localPortsInUse);
+  /// A connection that has served an exchange; libcurl may use it again.
+  void keep(int socket);
+
+  /// libcurl waits for something on the socket.
+  void watch(int socket, SocketWatch::Interest interest, const void* exchange);
+  /// Closes a socket of libcurl's.
+  int close(int socket);
+
+  /// Has libcurl find those ended on which something came though no exchange uses them.
+  void endStale();
 
  private:
-  struct Connection {
-    int socket;
-    int localPort;
-  };
-
-  std::vector<Connection> _connections;
+  SocketWatch& _watch;
+  std::vector<int> _sockets;
+  /// What the system is asked about, kept for its memory.
+  std::vector<pollfd> _questions;
 };
 
 }  // namespace kestrom::networking

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace kestrom::networking {
 
@@ -21,20 +22,40 @@ SocketWatch::~SocketWatch() {
   if (_signal >= 0) ::close(_signal);
 }
 
-void SocketWatch::set(int socket, Interest interest) {
+void SocketWatch::set(int socket, Interest interest, const void* owner, bool isSame) {
+  const auto index = static_cast<std::size_t>(socket);
+  if (index >= _sockets.size()) _sockets.resize(index + 1);
+  const Watched before = std::exchange(_sockets[index], Watched{State::active, interest, owner});
+  const bool isKnown = before.state != State::unknown;
+  if (isKnown && isSame && before.interest == interest) return;
   epoll_event event{};
   event.events = (interest.isForReading ? EPOLLIN : 0u) | (interest.isForWriting ? EPOLLOUT : 0u);
   event.data.fd = socket;
-  // The number of a socket that was closed may have come back as another one's, which the system does not watch yet.
-  const bool isKnown = !_sockets.insert(socket).second;
+  // The system has forgotten a socket that was closed.
   if (isKnown && ::epoll_ctl(_poll, EPOLL_CTL_MOD, socket, &event) == 0) return;
-  if (::epoll_ctl(_poll, EPOLL_CTL_ADD, socket, &event) != 0) ::epoll_ctl(_poll, EPOLL_CTL_MOD, socket, &event);
+  ::epoll_ctl(_poll, EPOLL_CTL_ADD, socket, &event);
+}
+
+void SocketWatch::pause(int socket) {
+  if (isActive(socket)) _sockets[static_cast<std::size_t>(socket)].state = State::paused;
 }
 
 void SocketWatch::remove(int socket) {
-  if (_sockets.erase(socket) == 0) return;
+  const auto index = static_cast<std::size_t>(socket);
+  if (index >= _sockets.size() || std::exchange(_sockets[index].state, State::unknown) == State::unknown) return;
   epoll_event ignored{};
   ::epoll_ctl(_poll, EPOLL_CTL_DEL, socket, &ignored);
+}
+
+void SocketWatch::removeAll(const void* owner) {
+  for (std::size_t index = 0; index < _sockets.size(); ++index) {
+    if (_sockets[index].state == State::active && _sockets[index].owner == owner) remove(static_cast<int>(index));
+  }
+}
+
+bool SocketWatch::isActive(int socket) const {
+  const auto index = static_cast<std::size_t>(socket);
+  return index < _sockets.size() && _sockets[index].state == State::active;
 }
 
 void SocketWatch::wake() {
@@ -62,7 +83,18 @@ void SocketWatch::wait(std::optional<std::chrono::milliseconds> duration) {
 void SocketWatch::drain(const OnReady& onReady) {
   for (int index = 0; index < _eventCount; ++index) {
     const auto [socket, what] = _events[index];
-    onReady(socket, {(what & EPOLLIN) != 0, (what & EPOLLOUT) != 0}, (what & (EPOLLERR | EPOLLHUP)) != 0);
+    switch (_sockets[static_cast<std::size_t>(socket)].state) {
+      case State::active:
+        onReady(socket, {(what & EPOLLIN) != 0, (what & EPOLLOUT) != 0}, (what & (EPOLLERR | EPOLLHUP)) != 0);
+        break;
+      case State::paused:
+        // The system would tell it again and again.
+        remove(socket);
+        break;
+      case State::unknown:
+        // It was closed since.
+        break;
+    }
   }
   _eventCount = 0;
 }

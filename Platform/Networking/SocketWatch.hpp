@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <set>
+#include <vector>
 
 namespace kestrom::networking {
 
@@ -15,6 +15,8 @@ class SocketWatch {
   struct Interest {
     bool isForReading = false;
     bool isForWriting = false;
+
+    friend bool operator==(Interest, Interest) = default;
   };
   /// `hasFailed`: the connection is broken or at its end.
   using OnReady = std::function<void(int socket, Interest ready, bool hasFailed)>;
@@ -27,9 +29,17 @@ class SocketWatch {
   /// Whether the system has given what it takes.
   bool isUsable() const { return _poll >= 0 && _signal >= 0; }
 
-  /// Watches a socket, or changes what for. A socket that is closed is watched no more.
-  void set(int socket, Interest interest);
+  /// Watches a socket for an owner, or changes what for. `isSame`: unless it was removed, the number still stands for
+  /// the socket that it stood for before; such a one is mostly watched again at no cost.
+  void set(int socket, Interest interest, const void* owner, bool isSame);
+  /// Tells nothing more of a socket for now. It may be closed already, and its number be somebody else's.
+  void pause(int socket);
+  /// To be called before a socket is closed.
   void remove(int socket);
+  /// Removes the sockets that are watched for an owner.
+  void removeAll(const void* owner);
+
+  bool isActive(int socket) const;
 
   /// Lets a wait end, or the next one at once.
   void wake();
@@ -41,6 +51,12 @@ class SocketWatch {
 
  private:
   static constexpr int kMaximumEvents = 64;
+  enum class State : std::uint8_t { unknown, active, paused };
+  struct Watched {
+    State state = State::unknown;
+    Interest interest;
+    const void* owner = nullptr;
+  };
   struct Event {
     int socket;
     std::uint32_t what;
@@ -48,7 +64,8 @@ class SocketWatch {
 
   int _poll;
   int _signal;
-  std::set<int> _sockets;
+  /// By the socket's number.
+  std::vector<Watched> _sockets;
   // Of the thread that waits.
   Event _events[kMaximumEvents];
   int _eventCount = 0;
