@@ -55,7 +55,8 @@ Arrived arrived(const std::string& text) {
   };
   const auto status = line->root().member("status")->integer();
   std::vector<std::string> headers;
-  for (const JSONValue pair : line->root().member("headers").value()) {
+  const auto sent = line->root().member("headers");
+  for (const JSONValue pair : sent.value()) {
     auto at = pair.begin();
     const std::string name((*at).string());
     const std::string value((*++at).string());
