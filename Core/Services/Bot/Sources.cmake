@@ -1,7 +1,9 @@
 set(KESTROM_BOT_SOURCES
   Bot/AnswerIndex.cpp
+  Bot/AnswersUnderWay.cpp
   Bot/ConditionalEvaluation.cpp
   Bot/ConversationConversion.cpp
+  Bot/DefaultAnswerService.cpp
   Bot/HandleBarParser.cpp
   Bot/NativeBotEngine.cpp
   Bot/PlaceholderFinder.cpp

@@ -1,0 +1,4 @@
+set(KESTROM_CACHE_SOURCES
+  Cache/CacheFilename.cpp
+  Cache/DefaultJSONCache.cpp
+  Cache/SystemFileManager.cpp)
