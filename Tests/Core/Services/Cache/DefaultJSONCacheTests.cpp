@@ -133,7 +133,16 @@ TEST_F(DefaultJSONCacheTest, GivesWhatReadingChangingAndWritingAllGives) {
       const std::string stranger =
           R"([ {"value":"file:///old/photo.jpg", "keyValue":{"key":"k","value":"v"}, "iterationId":0.0, "messageId":"3",)"
           R"("moduleId":"module","locationType":"none","answeredAt":1e3,"unknown":[1]}, )";
-      before = below(2) == 0 ? stranger + before.substr(before.empty() ? 0 : 1) : before.substr(0, below(400));
+      switch (below(3)) {
+        case 0:
+          before = stranger + before.substr(before.empty() ? 0 : 1);
+          break;
+        case 1:
+          before = before.substr(0, below(400));
+          break;
+        default:
+          if (!before.empty()) before[below(static_cast<unsigned>(before.size()))] ^= static_cast<char>(1 << below(8));
+      }
       directory.put(path(kName), before);
     } else if (below(50) == 0) {
       cache.remove(kFile);
