@@ -65,6 +65,22 @@ std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
   return items;
 }
 
+/// Whether each part ends where its text ends, as it does in nearly every address; then the text need not be taken
+/// apart to see it.
+bool URLComponents::hasPlainParts() const {
+  constexpr std::string_view kDigits = "0123456789";
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz";
+  constexpr std::string_view kNameCharacters = "abcdefghijklmnopqrstuvwxyz0123456789.-";
+  const auto holdsOnly = [](std::string_view text, std::string_view characters) {
+    return text.find_first_not_of(characters) == std::string_view::npos;
+  };
+  return _scheme && _encodedHost && !_encodedUserInfo && !_encodedFragment && !_scheme->empty() &&
+         holdsOnly(*_scheme, kLetters) && !_encodedHost->empty() && holdsOnly(*_encodedHost, kNameCharacters) &&
+         (!_port || holdsOnly(*_port, kDigits)) && _encodedPath.starts_with('/') &&
+         _encodedPath.find_first_of("?#") == std::string::npos &&
+         (!_encodedQuery || _encodedQuery->find('#') == std::string::npos);
+}
+
 std::optional<URL> URLComponents::url() const {
   std::string text;
   if (_scheme) text += *_scheme + ':';
@@ -78,9 +94,10 @@ std::optional<URL> URLComponents::url() const {
   if (_encodedQuery) text += '?' + *_encodedQuery;
   if (_encodedFragment) text += '#' + *_encodedFragment;
 
-  // Parts that run into each other, such as a port within the host, show as other parts of the text.
   std::optional<URL> url = URL::parse(text);
-  return url && URLComponents(*url) == *this ? url : std::nullopt;
+  if (!url || hasPlainParts()) return url;
+  // Parts that run into each other, such as a port within the host, show as other parts of the text.
+  return URLComponents(*url) == *this ? url : std::nullopt;
 }
 
 }  // namespace kestrom::foundation

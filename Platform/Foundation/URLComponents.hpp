@@ -47,6 +47,8 @@ class URLComponents {
   std::optional<URL> url() const;
 
  private:
+  bool hasPlainParts() const;
+
   std::optional<std::string> _scheme;
   std::optional<std::string> _encodedUserInfo;
   std::optional<std::string> _encodedHost;

@@ -7,12 +7,14 @@
 #include "Platform/Networking/CurlURLSessionFactory.hpp"
 #include "Platform/Reactive/SerialQueue.hpp"
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kestrom {
@@ -31,17 +33,31 @@ std::filesystem::path userDataDirectory() {
   return std::filesystem::path(entry ? entry->pw_dir : "/") / ".local/share";
 }
 
-std::filesystem::path systemTemporaryDirectory() {
+/// Makes the directory if it is missing. True when it is a real one of this user's, and nobody else's to write to.
+bool makePrivateDirectory(const std::string& path) {
+  if (::mkdir(path.c_str(), S_IRWXU) != 0 && errno != EEXIST) return false;
+  struct stat status{};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid() &&
+         (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+/// All users share the system's directory, so the kit's own in it has its user's number in its name, and is another one
+/// where somebody else was there first.
+std::filesystem::path userTemporaryDirectory() {
   std::error_code error;
-  auto directory = std::filesystem::temp_directory_path(error);
-  return error ? std::filesystem::path("/tmp") : directory;
+  auto shared = std::filesystem::temp_directory_path(error);
+  if (error) shared = "/tmp";
+  const std::string own = (shared / ("kestrom-" + std::to_string(::getuid()))).string();
+  if (makePrivateDirectory(own)) return own;
+  std::string fresh = own + "-XXXXXX";
+  return ::mkdtemp(fresh.data()) ? fresh : own;
 }
 
 foundation::PosixFileManager::Directories directoriesOf(const LinuxPlatformOptions& options) {
   return {
       .documents = options.documentsDirectory.value_or(URL::fromFilePath((userDataDirectory() / "kestrom").string())),
-      .temporary =
-          options.temporaryDirectory.value_or(URL::fromFilePath((systemTemporaryDirectory() / "kestrom").string())),
+      .temporary = options.temporaryDirectory ? *options.temporaryDirectory
+                                              : URL::fromFilePath(userTemporaryDirectory().string()),
   };
 }
 
@@ -62,11 +78,12 @@ networking::CurlSessionConfiguration sessionConfiguration(const LinuxPlatformOpt
 Platform linuxPlatform(const LinuxPlatformOptions& options) {
   const auto directories = directoriesOf(options);
   Platform platform;
-  platform.mainQueue = std::make_shared<reactive::SerialQueue>("kestrom-main");
+  const auto mainQueue = std::make_shared<reactive::SerialQueue>("kestrom-main");
+  platform.mainQueue = mainQueue;
   platform.makeSerialQueue = [](const std::string& label) { return std::make_shared<reactive::SerialQueue>(label); };
   platform.clock = std::make_shared<foundation::SystemClock>();
-  platform.urlSessionFactory =
-      std::make_shared<networking::CurlURLSessionFactory>(sessionConfiguration(options, directories.temporary));
+  platform.urlSessionFactory = std::make_shared<networking::CurlURLSessionFactory>(
+      sessionConfiguration(options, directories.temporary), mainQueue);
   platform.fileManager = std::make_shared<foundation::PosixFileManager>(directories);
   platform.notificationCenter = std::make_shared<foundation::NotificationCenter>();
   platform.mainBundle = std::make_shared<foundation::MapBundle>(options.mainBundleValues);

@@ -22,10 +22,19 @@ using Code = URLError::Code;
 /// Longer than any wait makes sense, and far from where adding it to the present would overflow.
 constexpr reactive::Duration kMaximumTimeout = std::chrono::hours(24 * 365);
 
+/// The least that libcurl takes, and enough for nearly every request; files are read in larger pieces.
+constexpr long kBufferSize = 16 * 1024;
+constexpr long kFileBufferSize = 64 * 1024;
+
+constexpr int kSwitchingProtocols = 101;
+
 /// What frames the content on the wire is the session's own affair: the content itself says how long it is.
 bool isFraming(std::string_view name) {
   return isSameName(name, "Content-Length") || isSameName(name, "Transfer-Encoding");
 }
+
+/// CURLE_TOO_LARGE, which libcurl has since 8.6.
+constexpr auto kTooLarge = static_cast<CURLcode>(100);
 
 bool isUnreachable(long systemError) {
   constexpr std::array kErrors = {ENETUNREACH, EHOSTUNREACH, ENETDOWN, EHOSTDOWN, EADDRNOTAVAIL};
@@ -68,6 +77,7 @@ Code codeOf(CURLcode result) {
     case CURLE_USE_SSL_FAILED:
       return Code::secureConnectionFailed;
     case CURLE_FILESIZE_EXCEEDED:
+    case kTooLarge:
       return Code::dataLengthExceedsMaximum;
     default:
       return Code::unknown;
@@ -103,7 +113,6 @@ struct CurlExchange::Callbacks {
     auto& exchange = *static_cast<CurlExchange*>(object);
     // Any other number than that of the bytes is a failure.
     return guarded(exchange, count + 1, [&]() -> std::expected<std::size_t, URLError> {
-      exchange.noteActivity();
       if (exchange._responseHead.addLine({data, count})) return count;
       return std::unexpected(URLError{Code::dataLengthExceedsMaximum, "The head of the answer is too large"});
     });
@@ -134,13 +143,48 @@ struct CurlExchange::Callbacks {
   static int closeSocket(void* keptConnections, curl_socket_t socket) noexcept {
     return static_cast<KeptConnections*>(keptConnections)->close(socket);
   }
-
-  static int progress(void* object, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept {
-    auto& exchange = *static_cast<CurlExchange*>(object);
-    if (std::exchange(exchange._transferredCount, received + sent) != received + sent) exchange.noteActivity();
-    return 0;
-  }
 };
+
+CurlEasyHandle CurlExchange::makeHandle(const CurlSessionConfiguration& configuration, curl_slist* connectTo,
+                                        KeptConnections& keptConnections) {
+  CurlEasyHandle handle(curl_easy_init());
+  if (!handle) return handle;
+  bool isTaken = true;
+  const auto set = [&](CURLoption option, auto value) {
+    isTaken = (curl_easy_setopt)(handle.get(), option, value) == CURLE_OK && isTaken;
+  };
+  // No handler is changed; writing to a connection that is gone raises no signal anyway.
+  set(CURLOPT_NOSIGNAL, 1L);
+  // A look-up of a name that has been given up goes on by itself, so that the loop need not wait for it.
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_PROTOCOLS_STR, "https");
+  // Nothing comes from the environment or the user's files.
+  set(CURLOPT_PROXY, "");
+  set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+  set(CURLOPT_TCP_NODELAY, 1L);
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_SSL_VERIFYPEER, 1L);
+  set(CURLOPT_SSL_VERIFYHOST, 2L);
+  if (configuration.certificateAuthorityFile) {
+    set(CURLOPT_CAINFO, configuration.certificateAuthorityFile->c_str());
+    // Its default is the system's directory, which would be trusted beside the file.
+    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  }
+  if (connectTo) set(CURLOPT_CONNECT_TO, connectTo);
+  // The library of a device may lack HTTP/2, so a refusal is none.
+  (curl_easy_setopt)(handle.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  set(CURLOPT_PATH_AS_IS, 1L);
+  // All codings that this libcurl knows.
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
+  set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
+  set(CURLOPT_READFUNCTION, &Callbacks::read);
+  set(CURLOPT_PREREQFUNCTION, &Callbacks::aboutToSend);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &Callbacks::closeSocket);
+  // A connection lives on after the exchange.
+  set(CURLOPT_CLOSESOCKETDATA, &keptConnections);
+  return isTaken ? std::move(handle) : nullptr;
+}
 
 CurlExchange::CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle, KeptConnections& keptConnections)
     : _task(std::move(task)),
@@ -153,15 +197,21 @@ CurlExchange::CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handl
 CurlExchange::~CurlExchange() = default;
 
 CurlEasyHandle CurlExchange::releaseHandle() {
-  curl_easy_reset(_handle.get());
+  // Nothing of this exchange stays, whatever it was.
+  set(CURLOPT_HTTPGET, 1L);
+  set(CURLOPT_CUSTOMREQUEST, static_cast<const char*>(nullptr));
+  set(CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
+  set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
+  set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(0));
+  set(CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+  set(CURLOPT_PRIVATE, static_cast<void*>(nullptr));
+  set(CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
   return std::move(_handle);
 }
 
 std::expected<void, URLError> CurlExchange::prepare(const CurlSessionConfiguration& configuration) {
   if (auto fault = faultOf(_task->request())) return std::unexpected(std::move(*fault));
   if (auto opened = openContents(configuration); !opened) return opened;
-  setConnection(configuration);
-  setCallbacks();
   setRequest();
   setHeaders();
   // An option that does not stand could be the one that checks the certificate.
@@ -209,59 +259,19 @@ void CurlExchange::append(List& list, const std::string& text) {
   if (!list) list.reset(longer);
 }
 
-void CurlExchange::setConnection(const CurlSessionConfiguration& configuration) {
-  set(CURLOPT_NOSIGNAL, 1L);
-  // A look-up of a name that has been given up goes on by itself, so that the loop need not wait for it.
-  set(CURLOPT_QUICK_EXIT, 1L);
-  set(CURLOPT_PROTOCOLS_STR, "https");
-  // Nothing comes from the environment or the user's files.
-  set(CURLOPT_PROXY, "");
-  set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-  set(CURLOPT_TCP_NODELAY, 1L);
-  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  set(CURLOPT_SSL_VERIFYPEER, 1L);
-  set(CURLOPT_SSL_VERIFYHOST, 2L);
-  if (configuration.certificateAuthorityFile) {
-    set(CURLOPT_CAINFO, configuration.certificateAuthorityFile->c_str());
-    // Its default is the system's directory, which would be trusted beside the file.
-    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-  }
-  if (configuration.connectTo) {
-    append(_connectTo, "::" + configuration.connectTo->host + ":" + std::to_string(configuration.connectTo->port));
-    set(CURLOPT_CONNECT_TO, _connectTo.get());
-  }
-  // The library of a device may lack HTTP/2, so a refusal is none.
-  (curl_easy_setopt)(_handle.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+void CurlExchange::setRequest() {
+  set(CURLOPT_PRIVATE, this);
+  set(CURLOPT_ERRORBUFFER, _errorText.data());
+  set(CURLOPT_HEADERDATA, this);
+  set(CURLOPT_WRITEDATA, this);
+  set(CURLOPT_READDATA, this);
+  set(CURLOPT_PREREQDATA, this);
   // The loop keeps the time. libcurl has a limit of its own, five minutes until a connection stands, of which it gives
   // each of a host's addresses a share: it gets the request's time, and a second more so as to never come first.
   const auto seconds = std::chrono::ceil<std::chrono::seconds>(_timeout) + std::chrono::seconds(1);
   set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(std::min<std::int64_t>(seconds.count(), 24 * 60 * 60)));
-}
-
-void CurlExchange::setCallbacks() {
-  set(CURLOPT_PRIVATE, this);
-  set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
-  set(CURLOPT_HEADERDATA, this);
-  set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
-  set(CURLOPT_WRITEDATA, this);
-  set(CURLOPT_READFUNCTION, &Callbacks::read);
-  set(CURLOPT_READDATA, this);
-  set(CURLOPT_PREREQFUNCTION, &Callbacks::aboutToSend);
-  set(CURLOPT_PREREQDATA, this);
-  set(CURLOPT_CLOSESOCKETFUNCTION, &Callbacks::closeSocket);
-  // A connection lives on after the exchange.
-  set(CURLOPT_CLOSESOCKETDATA, &_keptConnections);
-  set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
-  set(CURLOPT_XFERINFODATA, this);
-  set(CURLOPT_NOPROGRESS, 0L);
-}
-
-void CurlExchange::setRequest() {
   const URLRequest& request = _task->request();
   set(CURLOPT_URL, request.url.absoluteString().c_str());
-  set(CURLOPT_PATH_AS_IS, 1L);
-  // All codings that this libcurl knows.
-  set(CURLOPT_ACCEPT_ENCODING, "");
   // Refuses by the length that the server names, before the content comes; to HEAD none comes, whatever the length.
   if (request.method != "HEAD") {
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(_responseContent->maximumSize()));
@@ -270,6 +280,8 @@ void CurlExchange::setRequest() {
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_requestContent->size()));
     // A body in memory goes out in one piece with the head.
+    // A buffer of this size is made for each request.
+    set(CURLOPT_UPLOAD_BUFFERSIZE, _task->file() ? kFileBufferSize : kBufferSize);
     if (_requestContent->bytes()) set(CURLOPT_POSTFIELDS, reinterpret_cast<const char*>(_requestContent->bytes()));
     if (request.method != "POST") set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
   } else if (request.method == "HEAD") {
@@ -297,6 +309,9 @@ void CurlExchange::setHeaders() {
 SessionTask::Outcome CurlExchange::takeOutcome(int result, const NetworkProbe& hasNetwork) {
   keepConnection();
   if (_failure) return std::unexpected(std::move(*_failure));
+  if (_responseHead.statusCode() == kSwitchingProtocols) {
+    return std::unexpected(URLError{Code::badServerResponse, "The server changes to another protocol"});
+  }
   if (result != CURLE_OK) return std::unexpected(errorOf(result, hasNetwork));
   // To libcurl a head that breaks off is an answer without content.
   if (!_responseHead.isWhole()) {
@@ -313,6 +328,10 @@ URLError CurlExchange::errorOf(int result, const NetworkProbe& hasNetwork) const
   // libcurl keeps one line of a head at a time and tells so when it grows too long.
   if (curlCode == CURLE_OUT_OF_MEMORY && _attemptCount == 1 && !_responseHead.isWhole()) {
     code = Code::dataLengthExceedsMaximum;
+  }
+  // Chunks that are none have the code of a broken connection; only the text tells.
+  if (curlCode == CURLE_RECV_ERROR && std::string_view(_errorText.data()).find("chunk") != std::string_view::npos) {
+    code = Code::badServerResponse;
   }
   long systemError = 0;
   curl_easy_getinfo(_handle.get(), CURLINFO_OS_ERRNO, &systemError);

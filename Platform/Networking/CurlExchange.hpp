@@ -9,6 +9,7 @@
 #include "Platform/Networking/ResponseHead.hpp"
 #include "Platform/Networking/SessionTask.hpp"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -23,6 +24,11 @@ namespace kestrom::networking {
 /// it is while the handle runs. Used by whoever drives the exchanges, one at a time.
 class CurlExchange {
  public:
+  /// A handle for exchanges of the configuration, whose connections are told to `keptConnections`; null when libcurl
+  /// does not take what keeps an exchange safe. `connectTo` is a list of libcurl's, or null. All of them outlive it.
+  static CurlEasyHandle makeHandle(const CurlSessionConfiguration& configuration, curl_slist* connectTo,
+                                   KeptConnections& keptConnections);
+
   CurlExchange(reactive::Ref<SessionTask> task, CurlEasyHandle handle, KeptConnections& keptConnections);
   CurlExchange(const CurlExchange&) = delete;
   CurlExchange& operator=(const CurlExchange&) = delete;
@@ -36,6 +42,8 @@ class CurlExchange {
   /// Opens the files and tells the handle what to do. On a failure nothing may be sent.
   std::expected<void, URLError> prepare(const CurlSessionConfiguration& configuration);
 
+  /// Bytes have come, or could go.
+  void noteActivity();
   /// When it has timed out unless bytes come or go before.
   reactive::TimePoint deadline() const { return _lastActivity + _timeout; }
 
@@ -54,29 +62,26 @@ class CurlExchange {
   template <class Value>
   void set(int option, Value value);
   static void append(List& list, const std::string& text);
-  void setConnection(const CurlSessionConfiguration& configuration);
-  void setCallbacks();
   void setRequest();
   void setHeaders();
   std::expected<void, URLError> openContents(const CurlSessionConfiguration& configuration);
   URLError errorOf(int result, const NetworkProbe& hasNetwork) const;
   void keepConnection();
-  void noteActivity();
 
   reactive::Ref<SessionTask> _task;
   CurlEasyHandle _handle;
   KeptConnections& _keptConnections;
   List _headers;
-  List _connectTo;
   std::optional<RequestContent> _requestContent;
   std::optional<ResponseContent> _responseContent;
   ResponseHead _responseHead;
+  /// What libcurl says of a failure beside its code, of the size that it asks for.
+  std::array<char, 256> _errorText{};
   /// Why a callback ended the exchange.
   std::optional<URLError> _failure;
   /// The first option that libcurl did not take.
   int _refusal = 0;
   int _attemptCount = 0;
-  std::int64_t _transferredCount = 0;
   reactive::Duration _timeout;
   reactive::TimePoint _lastActivity;
 };

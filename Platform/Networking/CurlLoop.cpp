@@ -3,11 +3,9 @@
 #include "Kestrom/Platform/MainQueue.hpp"
 
 #include <curl/curl.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <new>
 
 namespace kestrom::networking {
@@ -18,18 +16,16 @@ namespace {
 /// of its own, and an application gets a few hundred descriptors for all that it does.
 constexpr std::size_t kMaximumRunning = 64;
 
+/// A larger answer takes time to read, which the main queue's thread has not.
+constexpr std::uint64_t kLargeAnswerSize = 64 * 1024;
+
+/// Far from where adding it to the present would overflow.
+constexpr std::chrono::hours kLongestSleep{1};
+
 /// libcurl asks to be prepared once for the process, before it is used by threads.
 CURLcode prepareLibrary() {
   static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
   return result;
-}
-
-/// A connection that the server has closed must not end the process when the TLS library writes to it.
-void blockBrokenPipeSignal() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGPIPE);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 CurlExchange* exchangeOf(CURL* handle) {
@@ -38,14 +34,19 @@ CurlExchange* exchangeOf(CURL* handle) {
   return reinterpret_cast<CurlExchange*>(exchange);
 }
 
-URLError errorOfLibrary() {
-  return {URLError::Code::unknown, "The network library cannot be used"};
+/// Opening and reading files takes as long as the disk likes.
+bool touchesFile(const SessionTask& task) {
+  return task.file() || task.isDownload();
 }
 
 }  // namespace
 
 void CurlLoop::CleanUpMulti::operator()(void* handle) const {
   curl_multi_cleanup(handle);
+}
+
+void CurlLoop::FreeList::operator()(curl_slist* list) const {
+  curl_slist_free_all(list);
 }
 
 /// What libcurl calls while somebody drives it.
@@ -73,8 +74,16 @@ struct CurlLoop::Callbacks {
 CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* delegateQueue, NetworkProbe hasNetwork)
     : _configuration(std::move(configuration)), _delegateQueue(delegateQueue), _hasNetwork(std::move(hasNetwork)) {
   if (prepareLibrary() == CURLE_OK && _watch.isUsable()) _multi.reset(curl_multi_init());
-  if (!_multi) throw std::bad_alloc();
+  if (!_multi) return;
   CURLM* const multi = _multi.get();
+  if (_configuration.connectTo) {
+    const auto& [host, port] = *_configuration.connectTo;
+    _connectTo.reset(curl_slist_append(nullptr, ("::" + host + ":" + std::to_string(port)).c_str()));
+    if (!_connectTo) {
+      _multi.reset();
+      return;
+    }
+  }
   // Exchanges that run together have a connection each, over HTTP/2 too: libcurl 7.88, which is in use, now and then
   // leaves the end of an answer lying in a connection that several of them share.
   curl_multi_setopt(multi, CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_NOTHING));
@@ -88,17 +97,33 @@ CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* 
 
 CurlLoop::~CurlLoop() = default;
 
+URLError CurlLoop::unusableError() {
+  return {URLError::Code::unknown, "The network library cannot be used"};
+}
+
 void CurlLoop::start(reactive::Ref<SessionTask> task) {
-  if (startHere(task)) return;
-  post([&] { _inbox.started.push_back(std::move(task)); });
+  if (touchesFile(*task)) {
+    post([&] { _inbox.started.push_back(std::move(task)); });
+    _seat.returnToOwner();
+    return;
+  }
+  if (!startHere(task)) post([&] { _inbox.started.push_back(std::move(task)); });
+  _seat.need();
 }
 
 void CurlLoop::drop(reactive::Ref<SessionTask> task) {
   post([&] { _inbox.dropped.push_back(std::move(task)); });
+  _seat.need();
 }
 
 void CurlLoop::stop() {
-  post([&] { _inbox.isStopping = true; });
+  {
+    const std::lock_guard lock(_inboxMutex);
+    _inbox.isStopping = true;
+  }
+  // Who is woken after this finds the seat closed.
+  _seat.close();
+  _watch.wake();
 }
 
 template <class Change>
@@ -110,51 +135,108 @@ void CurlLoop::post(Change change) {
   _watch.wake();
 }
 
-/// Puts a task on its way on the calling thread, if nobody drives at this moment and no file need be opened for it.
+/// Puts a task on its way on the calling thread, if nobody drives at this moment.
 bool CurlLoop::startHere(reactive::Ref<SessionTask>& task) {
-  if (task->file() || task->isDownload()) return false;
   const std::unique_lock driving(_driving, std::try_to_lock);
   if (!driving || !_multi || !_waiting.empty() || _running.size() >= kMaximumRunning) return false;
   begin(std::move(task));
   transfer();
-  // What is over already is told by the loop's thread, and so is what is due before it wakes up.
   const auto due = nextDue();
-  if (!_finished.empty() || (due && (!_sleepsUntil || *due < *_sleepsUntil))) _watch.wake();
+  const bool isSooner = due && (!_sleepsUntil || *due < *_sleepsUntil);
+  if (isSooner) _sleepsUntil = due;
+  // What is over already is told by who waits.
+  if (_isAwaited && (isSooner || !_finished.empty())) _watch.wake();
   return true;
 }
 
 void CurlLoop::run() {
-  blockBrokenPipeSignal();
-  const auto onReady = [this](int socket, SocketWatch::Interest ready, bool hasFailed) {
-    transferOn(socket, ready, hasFailed);
-  };
   while (true) {
-    std::optional<std::chrono::milliseconds> duration;
-    Finished finished;
-    {
-      const std::lock_guard driving(_driving);
-      if (!takeInbox()) break;
-      // First what has come, then the deadlines: an application that was asleep, or a completion that took its time,
-      // must not end exchanges whose bytes are there.
-      _watch.drain(onReady);
-      startWaiting();
-      transfer();
-      endOverdue();
-      finished = std::exchange(_finished, {});
-      // A sleep is not made longer for what has ended, so that the next task seldom needs to make it shorter.
-      const reactive::TimePoint now = reactive::steadyNow();
-      const auto due = nextDue();
-      if (!_sleepsUntil || *_sleepsUntil <= now || (due && *due < *_sleepsUntil)) _sleepsUntil = due;
-      // What has ended makes room.
-      if (!_waiting.empty() && _running.size() < kMaximumRunning) _sleepsUntil = now;
-      if (_sleepsUntil) {
-        duration = std::chrono::ceil<std::chrono::milliseconds>(std::max(*_sleepsUntil - now, reactive::Duration(0)));
-      }
-    }
-    deliver(std::move(finished));
-    _watch.wait(duration);
+    _seat.await();
+    auto round = drive(Driver::owner);
+    if (!round) break;
+    const bool wakesGuest = !round->finished.empty() && !round->isForOwner;
+    deliver(std::move(round->finished));
+    if (wakesGuest && _seat.giveAway()) continue;
+    sleep(round->sleepsUntil);
   }
   cancelAll();
+}
+
+bool CurlLoop::wait(std::optional<reactive::Duration> duration) {
+  switch (_seat.enter()) {
+    case DriverSeat::Entry::refused:
+      return false;
+    case DriverSeat::Entry::called:
+      return true;
+    case DriverSeat::Entry::entered:
+      break;
+  }
+  std::optional<reactive::TimePoint> until;
+  if (duration) until = reactive::steadyNow() + std::min<reactive::Duration>(*duration, kLongestSleep);
+  {
+    const std::lock_guard driving(_driving);
+    _isAwaited = true;
+    if (!_finished.empty()) until = reactive::steadyNow();
+    if (_sleepsUntil && (!until || *_sleepsUntil < *until)) until = _sleepsUntil;
+  }
+  sleep(until);
+  auto round = drive(Driver::guest);
+  const bool isRunning = round && round->isRunning;
+  if (round) deliver(std::move(round->finished));
+  _seat.leave(isRunning);
+  return true;
+}
+
+void CurlLoop::wake() {
+  if (_seat.call()) _watch.wake();
+}
+
+void CurlLoop::sleep(std::optional<reactive::TimePoint> until) {
+  std::optional<std::chrono::milliseconds> duration;
+  if (until) {
+    const auto left = std::max(*until - reactive::steadyNow(), reactive::Duration(0));
+    duration = std::chrono::ceil<std::chrono::milliseconds>(left);
+  }
+  _watch.wait(duration);
+}
+
+/// Does all that can be done without waiting. Absent when the loop is to end.
+std::optional<CurlLoop::Round> CurlLoop::drive(Driver driver) {
+  const std::lock_guard driving(_driving);
+  _isAwaited = false;
+  if (!takeInbox()) return std::nullopt;
+  // First what has come, then the deadlines: an application that was asleep, or a completion that took its time, must
+  // not end exchanges whose bytes are there.
+  _watch.drain([this](int socket, void* exchange, SocketWatch::Interest ready, bool hasFailed) {
+    // Bytes of any kind: a slow handshake or half a header line are no silence.
+    if (exchange) static_cast<CurlExchange*>(exchange)->noteActivity();
+    transferOn(socket, ready, hasFailed);
+  });
+  Round round;
+  round.isForOwner = isForOwner();
+  if (driver == Driver::guest && round.isForOwner) {
+    _seat.returnToOwner();
+    return round;
+  }
+  startWaiting();
+  transfer();
+  endOverdue();
+  round.isForOwner = isForOwner();
+  if (driver == Driver::guest && round.isForOwner) {
+    _seat.returnToOwner();
+    return round;
+  }
+  round.finished = std::exchange(_finished, {});
+  round.isRunning = !_running.empty() || !_waiting.empty();
+  // A sleep is not made longer for what has ended, so that the next task seldom needs to make it shorter.
+  const reactive::TimePoint now = reactive::steadyNow();
+  const auto due = nextDue();
+  if (!_sleepsUntil || *_sleepsUntil <= now || (due && *due < *_sleepsUntil)) _sleepsUntil = due;
+  // What has ended makes room.
+  if (!_waiting.empty() && _running.size() < kMaximumRunning) _sleepsUntil = now;
+  round.sleepsUntil = _sleepsUntil;
+  _isAwaited = driver == Driver::owner;
+  return round;
 }
 
 /// False when the loop is to end.
@@ -169,6 +251,16 @@ bool CurlLoop::takeInbox() {
   std::ranges::move(inbox.started, std::back_inserter(_waiting));
   for (const auto& task : inbox.dropped) dropTask(*task);
   return !inbox.isStopping;
+}
+
+/// Whether there is something that only the loop's own thread may do.
+bool CurlLoop::isForOwner() const {
+  const auto isLarge = [](const Finished::value_type& finished) {
+    return finished.second && finished.second->content.size() > kLargeAnswerSize;
+  };
+  return std::ranges::any_of(_running, [](const auto& exchange) { return touchesFile(exchange->task()); }) ||
+         std::ranges::any_of(_waiting, [](const auto& task) { return touchesFile(*task); }) ||
+         std::ranges::any_of(_finished, isLarge);
 }
 
 void CurlLoop::dropTask(const SessionTask& task) {
@@ -192,7 +284,7 @@ void CurlLoop::begin(reactive::Ref<SessionTask> task) {
   _keptConnections.endStale();
   CurlEasyHandle handle = idleHandle();
   if (!handle) {
-    _finished.emplace_back(std::move(task), std::unexpected(errorOfLibrary()));
+    _finished.emplace_back(std::move(task), std::unexpected(unusableError()));
     return;
   }
   CurlExchange* const exchange =
@@ -200,12 +292,12 @@ void CurlLoop::begin(reactive::Ref<SessionTask> task) {
   if (auto prepared = exchange->prepare(_configuration); !prepared) {
     finish(exchange, std::unexpected(std::move(prepared.error())));
   } else if (curl_multi_add_handle(_multi.get(), exchange->handle()) != CURLM_OK) {
-    finish(exchange, std::unexpected(errorOfLibrary()));
+    finish(exchange, std::unexpected(unusableError()));
   }
 }
 
 CurlEasyHandle CurlLoop::idleHandle() {
-  if (_idleHandles.empty()) return CurlEasyHandle(curl_easy_init());
+  if (_idleHandles.empty()) return CurlExchange::makeHandle(_configuration, _connectTo.get(), _keptConnections);
   CurlEasyHandle handle = std::move(_idleHandles.back());
   _idleHandles.pop_back();
   return handle;
@@ -266,6 +358,8 @@ reactive::Ref<SessionTask> CurlLoop::abandon(CurlExchange* exchange) {
 reactive::Ref<SessionTask> CurlLoop::end(CurlExchange* exchange) {
   // Closes the connection unless the exchange is whole; does nothing for a handle that was not added.
   curl_multi_remove_handle(_multi.get(), exchange->handle());
+  // Mostly none is left.
+  _watch.removeAll(exchange);
   _idleHandles.push_back(exchange->releaseHandle());
   reactive::Ref<SessionTask> task = exchange->takeTask();
   std::erase_if(_running, [&](const auto& running) { return running.get() == exchange; });

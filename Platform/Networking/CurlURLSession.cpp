@@ -5,18 +5,27 @@
 
 #include <pthread.h>
 
+#include <system_error>
 #include <utility>
 
 namespace kestrom::networking {
 
 CurlURLSession::CurlURLSession(CurlSessionConfiguration configuration, reactive::Scheduler* delegateQueue,
-                               NetworkProbe hasNetwork)
-    : _loop(std::make_shared<CurlLoop>(std::move(configuration), delegateQueue, std::move(hasNetwork))),
-      _thread([loop = _loop] { loop->run(); }) {
+                               NetworkProbe hasNetwork, reactive::SerialQueue* idleQueue)
+    : _delegateQueue(delegateQueue),
+      _loop(std::make_shared<CurlLoop>(std::move(configuration), delegateQueue, std::move(hasNetwork))) {
+  if (!_loop->isUsable()) return;
+  try {
+    _thread = std::thread([loop = _loop] { loop->run(); });
+  } catch (const std::system_error&) {
+    return;
+  }
+  if (idleQueue) idleQueue->offer(_loop);
   pthread_setname_np(_thread.native_handle(), "kestrom-network");
 }
 
 CurlURLSession::~CurlURLSession() {
+  if (!_thread.joinable()) return;
   _loop->stop();
   if (_thread.get_id() == std::this_thread::get_id()) {
     _thread.detach();
@@ -39,7 +48,12 @@ reactive::AnyCancellable CurlURLSession::downloadTask(URLRequest request, Downlo
 }
 
 reactive::AnyCancellable CurlURLSession::start(reactive::Ref<SessionTask> task) {
-  _loop->start(task);
+  if (_thread.joinable()) {
+    _loop->start(task);
+  } else {
+    const auto fail = [task] { task->complete(std::unexpected(CurlLoop::unusableError())); };
+    _delegateQueue ? _delegateQueue->schedule(fail) : fail();
+  }
   return reactive::AnyCancellable(std::move(task));
 }
 

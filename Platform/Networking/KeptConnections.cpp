@@ -24,7 +24,7 @@ void KeptConnections::keep(int socket) {
   if (std::ranges::find(_sockets, socket) == _sockets.end()) _sockets.push_back(socket);
 }
 
-void KeptConnections::watch(int socket, SocketWatch::Interest interest, const void* exchange) {
+void KeptConnections::watch(int socket, SocketWatch::Interest interest, void* exchange) {
   // Of other sockets it is not told here when they are closed.
   const bool isKnown = std::ranges::find(_sockets, socket) != _sockets.end();
   _watch.set(socket, interest, exchange, isKnown);

@@ -21,7 +21,7 @@ class KeptConnections {
   void keep(int socket);
 
   /// libcurl waits for something on the socket.
-  void watch(int socket, SocketWatch::Interest interest, const void* exchange);
+  void watch(int socket, SocketWatch::Interest interest, void* exchange);
   /// Closes a socket of libcurl's.
   int close(int socket);
 

@@ -23,6 +23,8 @@ class ResponseContent {
 
   std::uint64_t maximumSize() const { return _maximumSize; }
 
+  std::uint64_t size() const { return _size; }
+
   /// Adds what came; fails when that is more than the maximum, or when the disk does not take it.
   std::expected<void, URLError> append(std::span<const std::uint8_t> bytes);
 

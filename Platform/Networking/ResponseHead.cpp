@@ -17,7 +17,9 @@ constexpr std::size_t kMaximumLineCount = 1024;
 int statusCodeOf(std::string_view line) {
   int code = 0;
   const std::size_t blank = line.find(' ');
-  if (blank != std::string_view::npos) std::from_chars(line.data() + blank + 1, line.data() + line.size(), code);
+  // More than one blank is wrong and yet understood.
+  const std::size_t digits = line.find_first_not_of(' ', blank);
+  if (digits != std::string_view::npos) std::from_chars(line.data() + digits, line.data() + line.size(), code);
   return code;
 }
 
@@ -34,10 +36,12 @@ bool ResponseHead::addLine(std::string_view line) {
     return true;
   }
   addHeader();
-  if (line.starts_with("HTTP/")) {
+  if (!_isWithin) {
+    _isWithin = true;
     _statusCode = statusCodeOf(line);
     _headers = {};
   } else if (line.empty()) {
+    _isWithin = false;
     _isWhole = _statusCode >= 200;
   } else {
     _line = line;

@@ -27,6 +27,8 @@ class ResponseHead {
   HTTPHeaders _headers;
   /// The line before, to which the next one may belong.
   std::string _line;
+  /// Between a status line and the empty line.
+  bool _isWithin = false;
   bool _isWhole = false;
   std::size_t _size = 0;
   std::size_t _lineCount = 0;

@@ -22,7 +22,7 @@ SocketWatch::~SocketWatch() {
   if (_signal >= 0) ::close(_signal);
 }
 
-void SocketWatch::set(int socket, Interest interest, const void* owner, bool isSame) {
+void SocketWatch::set(int socket, Interest interest, void* owner, bool isSame) {
   const auto index = static_cast<std::size_t>(socket);
   if (index >= _sockets.size()) _sockets.resize(index + 1);
   const Watched before = std::exchange(_sockets[index], Watched{State::active, interest, owner});
@@ -47,7 +47,7 @@ void SocketWatch::remove(int socket) {
   ::epoll_ctl(_poll, EPOLL_CTL_DEL, socket, &ignored);
 }
 
-void SocketWatch::removeAll(const void* owner) {
+void SocketWatch::removeAll(void* owner) {
   for (std::size_t index = 0; index < _sockets.size(); ++index) {
     if (_sockets[index].state == State::active && _sockets[index].owner == owner) remove(static_cast<int>(index));
   }
@@ -59,6 +59,7 @@ bool SocketWatch::isActive(int socket) const {
 }
 
 void SocketWatch::wake() {
+  if (_isSignalled.exchange(true)) return;
   const std::uint64_t one = 1;
   // It fails only when it is already set as often as it can be.
   static_cast<void>(::write(_signal, &one, sizeof one));
@@ -74,6 +75,8 @@ void SocketWatch::wait(std::optional<std::chrono::milliseconds> duration) {
     if (events[index].data.fd == _signal) {
       std::uint64_t wakes = 0;
       static_cast<void>(::read(_signal, &wakes, sizeof wakes));
+      // After reading: who finds it set until here is heard, since what he wants is looked at after the wait.
+      _isSignalled.exchange(false);
     } else {
       _events[_eventCount++] = {events[index].data.fd, events[index].events};
     }
@@ -83,9 +86,11 @@ void SocketWatch::wait(std::optional<std::chrono::milliseconds> duration) {
 void SocketWatch::drain(const OnReady& onReady) {
   for (int index = 0; index < _eventCount; ++index) {
     const auto [socket, what] = _events[index];
-    switch (_sockets[static_cast<std::size_t>(socket)].state) {
+    const Watched watched = _sockets[static_cast<std::size_t>(socket)];
+    switch (watched.state) {
       case State::active:
-        onReady(socket, {(what & EPOLLIN) != 0, (what & EPOLLOUT) != 0}, (what & (EPOLLERR | EPOLLHUP)) != 0);
+        onReady(socket, watched.owner, {(what & EPOLLIN) != 0, (what & EPOLLOUT) != 0},
+                (what & (EPOLLERR | EPOLLHUP)) != 0);
         break;
       case State::paused:
         // The system would tell it again and again.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -19,7 +20,7 @@ class SocketWatch {
     friend bool operator==(Interest, Interest) = default;
   };
   /// `hasFailed`: the connection is broken or at its end.
-  using OnReady = std::function<void(int socket, Interest ready, bool hasFailed)>;
+  using OnReady = std::function<void(int socket, void* owner, Interest ready, bool hasFailed)>;
 
   SocketWatch();
   ~SocketWatch();
@@ -31,13 +32,13 @@ class SocketWatch {
 
   /// Watches a socket for an owner, or changes what for. `isSame`: unless it was removed, the number still stands for
   /// the socket that it stood for before; such a one is mostly watched again at no cost.
-  void set(int socket, Interest interest, const void* owner, bool isSame);
+  void set(int socket, Interest interest, void* owner, bool isSame);
   /// Tells nothing more of a socket for now. It may be closed already, and its number be somebody else's.
   void pause(int socket);
   /// To be called before a socket is closed.
   void remove(int socket);
-  /// Removes the sockets that are watched for an owner.
-  void removeAll(const void* owner);
+  /// Removes the sockets that are watched for an owner, who goes.
+  void removeAll(void* owner);
 
   bool isActive(int socket) const;
 
@@ -55,7 +56,7 @@ class SocketWatch {
   struct Watched {
     State state = State::unknown;
     Interest interest;
-    const void* owner = nullptr;
+    void* owner = nullptr;
   };
   struct Event {
     int socket;
@@ -64,6 +65,7 @@ class SocketWatch {
 
   int _poll;
   int _signal;
+  std::atomic<bool> _isSignalled = false;
   /// By the socket's number.
   std::vector<Watched> _sockets;
   // Of the thread that waits.

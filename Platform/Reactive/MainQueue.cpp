@@ -1,5 +1,6 @@
 #include "Kestrom/Platform/MainQueue.hpp"
 
+#include "Platform/Reactive/WaitingPlace.hpp"
 #include "Platform/Reactive/WorkQueue.hpp"
 
 #include <algorithm>
@@ -24,42 +25,87 @@ std::optional<TimePoint> MainQueue::nextDueTime() const {
 void MainQueue::schedule(Work work) {
   _queue->add(now(), std::move(work));
   notify();
+  if (_wakeUp) _wakeUp();
 }
 
 AnyCancellable MainQueue::scheduleAfter(Duration duration, Work work) {
   AnyCancellable token = _queue->addCancellable(now() + std::max(duration, Duration(0)), std::move(work));
   notify();
+  if (_wakeUp) _wakeUp();
   return token;
 }
 
-void MainQueue::notify() {
+void MainQueue::offer(std::weak_ptr<WaitingPlace> place) {
   {
     const std::lock_guard lock(_mutex);
-    _hasChanged = true;
+    std::erase_if(_places, [](const auto& known) { return known.expired(); });
+    _places.push_back(std::move(place));
   }
-  _changed.notify_one();
-  if (_wakeUp) _wakeUp();
+  notify();
+}
+
+/// The first that exists. To be called with the mutex held.
+std::shared_ptr<WaitingPlace> MainQueue::place() const {
+  for (const auto& known : _places) {
+    if (auto place = known.lock()) return place;
+  }
+  return nullptr;
+}
+
+void MainQueue::notify() {
+  std::unique_lock lock(_mutex);
+  if (_runner == std::this_thread::get_id()) {
+    _hasChanged = true;
+  } else {
+    // The place first: once it is called, the thread of `run` comes by.
+    if (const auto waitedIn = place()) {
+      lock.unlock();
+      waitedIn->wake();
+      lock.lock();
+    }
+    _hasChanged = true;
+    _changed.notify_one();
+  }
 }
 
 void MainQueue::run() {
+  {
+    const std::lock_guard lock(_mutex);
+    _runner = std::this_thread::get_id();
+  }
   while (true) {
     {
-      std::unique_lock lock(_mutex);
-      if (std::exchange(_isStopping, false)) return;
+      const std::lock_guard lock(_mutex);
+      if (std::exchange(_isStopping, false)) break;
       _hasChanged = false;
     }
     if (auto due = _queue->takeDue(now())) {
       due->second();
-      continue;
-    }
-    const auto next = _queue->nextDue();
-    std::unique_lock lock(_mutex);
-    const auto isWoken = [this] { return _hasChanged || _isStopping; };
-    if (next) {
-      _changed.wait_for(lock, *next - now(), isWoken);
     } else {
-      _changed.wait(lock, isWoken);
+      wait();
     }
+  }
+  const std::lock_guard lock(_mutex);
+  _runner = {};
+}
+
+/// Returns when there may be something to do.
+void MainQueue::wait() {
+  const auto next = _queue->nextDue();
+  std::shared_ptr<WaitingPlace> place;
+  {
+    const std::lock_guard lock(_mutex);
+    if (_hasChanged) return;
+    place = this->place();
+  }
+  // Who changes something from here on wakes the place.
+  if (place && place->wait(next ? std::optional(std::max(*next - now(), Duration(0))) : std::nullopt)) return;
+  std::unique_lock lock(_mutex);
+  const auto isWoken = [this] { return _hasChanged; };
+  if (next) {
+    _changed.wait_for(lock, *next - now(), isWoken);
+  } else {
+    _changed.wait(lock, isWoken);
   }
 }
 
@@ -68,7 +114,7 @@ void MainQueue::stop() {
     const std::lock_guard lock(_mutex);
     _isStopping = true;
   }
-  _changed.notify_one();
+  notify();
 }
 
 void MainQueue::runDue() {

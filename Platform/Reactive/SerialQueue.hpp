@@ -21,6 +21,9 @@ class SerialQueue final : public Scheduler {
     return _queue.scheduleAfter(duration, std::move(work));
   }
 
+  /// See `MainQueue::offer`.
+  void offer(std::weak_ptr<WaitingPlace> place) { _queue.offer(std::move(place)); }
+
  private:
   MainQueue _queue;
   std::thread _thread;

@@ -3,6 +3,7 @@
 #include "Platform/Reactive/Publisher.hpp"
 #include "Platform/Reactive/Timers.hpp"
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -30,6 +31,26 @@ Publisher<Output, Failure> just(Output value) {
         if (!scope->isCancelled()) downstream->receive(Output(value));
         if (!scope->isCancelled()) downstream->finish(Completion<Failure>::finished());
       });
+}
+
+/// One value, then the end, inside `sink`, for the one who subscribes first: he gets it without a copy, everybody else
+/// the end alone. For what a stage hands to the next one.
+template <class Failure = Never, class Output>
+Publisher<Output, Failure> handedOver(Output value) {
+  class HandOver final : public Stage<Output, Failure> {
+   public:
+    explicit HandOver(Output&& value) : _value(std::move(value)) {}
+
+    void subscribe(Ref<Subscriber<Output, Failure>> downstream, const Ref<Scope>& scope) const override {
+      if (!scope->isCancelled() && !_isGone.test_and_set()) downstream->receive(std::move(_value));
+      if (!scope->isCancelled()) downstream->finish(Completion<Failure>::finished());
+    }
+
+   private:
+    mutable Output _value;
+    mutable std::atomic_flag _isGone;
+  };
+  return Publisher<Output, Failure>(makeRef<HandOver>(std::move(value)));
 }
 
 /// The failure, inside `sink`.

@@ -2,6 +2,7 @@
 
 #include "Core/Services/Bot/FlatIndex.hpp"
 
+#include <optional>
 #include <utility>
 
 namespace kestrom::services {
@@ -102,16 +103,29 @@ MessageDTO Transcript::revisableQuestion(const NodeDetails& details) const {
 void Transcript::markCompleted(MessageDTO& menu, std::span<const std::uint32_t> chosen) const {
   if (!menu.options || !menu.options->values) return;
   std::vector<std::string_view> keys;
-  FlatIndex index(chosen.size());
-  const auto keyOf = [&](std::uint32_t number) { return keys[number]; };
+  keys.reserve(chosen.size());
   for (const std::uint32_t answer : chosen) {
-    for (const ConversationDTO::AnswerDTO& entry : _answers[answer].answers) {
-      const auto fresh = static_cast<std::uint32_t>(keys.size());
-      if (index.insert(entry.key, hashOf(entry.key), fresh, keyOf) == fresh) keys.push_back(entry.key);
-    }
+    for (const ConversationDTO::AnswerDTO& entry : _answers[answer].answers) keys.push_back(entry.key);
   }
+  // Most menus are worked through from the top, so the next key is looked at before a table is made of all.
+  std::optional<FlatIndex> index;
+  const auto keyOf = [&](std::uint32_t number) { return keys[number]; };
+  std::size_t next = 0;
   for (OptionsDTO::ValueDTO& value : *menu.options->values) {
-    value.completed = index.find(value.key, hashOf(value.key), keyOf) != FlatIndex::kNone;
+    value.completed = next < keys.size() && keys[next] == value.key;
+    if (*value.completed) {
+      ++next;
+      continue;
+    }
+    if (!index) {
+      index.emplace(keys.size());
+      for (std::uint32_t number = 0; number < keys.size(); ++number) {
+        index->insert(keys[number], hashOf(keys[number]), number, keyOf);
+      }
+    }
+    const std::uint32_t found = index->find(value.key, hashOf(value.key), keyOf);
+    value.completed = found != FlatIndex::kNone;
+    if (found != FlatIndex::kNone) next = found + 1;
   }
 }
 

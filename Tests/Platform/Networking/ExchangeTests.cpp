@@ -253,7 +253,7 @@ TEST_F(ExchangeTest, OpensConnectionsAtOnceUpToItsBound) {
 
 TEST_F(ExchangeTest, CompletesOnTheDelegateQueue) {
   const auto server = serve(LoopbackServer::answering(answerOf("x")));
-  CurlURLSessionFactory factory(configurationFor(server->port()));
+  CurlURLSessionFactory factory(configurationFor(server->port()), {});
   reactive::MainQueue queue;
   const auto session = factory.makeSession(&queue);
   std::thread::id thread;

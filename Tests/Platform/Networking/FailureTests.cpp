@@ -34,7 +34,12 @@ TEST_F(FailureTest, TellsWhatBecameOfABrokenExchange) {
       {"a version that is none", "HTTP/7 200 OK\r\n\r\n", Row::properly, "badServerResponse"},
       {"an interim answer alone", "HTTP/1.1 103 Early\r\n\r\n", Row::properly, "networkConnectionLost"},
       {"a chunk without a size", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nno\r\n", Row::properly,
-       "networkConnectionLost"},
+       "badServerResponse"},
+      {"another protocol that nobody asked for", "HTTP/1.1 101 Switching Protocols\r\n\r\n", Row::properly,
+       "badServerResponse"},
+      {"two blanks before the status", "HTTP/1.1  401 No\r\nContent-Length: 0\r\n\r\n", Row::properly, "401"},
+      {"a header that looks like a first line", "HTTP/1.1 200 OK\r\nHTTP/1.1 500: x\r\nContent-Length: 0\r\n\r\n",
+       Row::properly, "200"},
       {"a coding that is broken", "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc",
        Row::properly, "badServerResponse"},
   };
@@ -184,7 +189,7 @@ TEST_F(FailureTest, TimesOutWhenNothingComesOrGoes) {
 }
 
 TEST_F(FailureTest, WaitsAsLongAsBytesComeOrGo) {
-  constexpr int kPieces = 32;
+  constexpr int kPieces = 12;
   constexpr std::size_t kSize = 24 << 20;
   constexpr std::size_t kPiece = kSize / kPieces;
   const auto server = serve([&](LoopbackConnection& connection, int) {
@@ -194,16 +199,19 @@ TEST_F(FailureTest, WaitsAsLongAsBytesComeOrGo) {
         const std::size_t count = connection.readSome().size();
         if (count == 0) return;
         // Now and then the client has to wait for room.
-        if (left / kPiece != (left - count) / kPiece) connection.pause(20ms);
+        if (left / kPiece != (left - count) / kPiece) connection.pause(100ms);
         left -= count;
       }
-      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 32\r\n\r\n");
-      for (int i = 0; i < kPieces && connection.send("x"); ++i) connection.pause(20ms);
+      // Bytes of half a line count as well.
+      connection.send("HTTP/1.1 200 OK\r\nX-Slow: ");
+      for (int i = 0; i < kPieces && connection.send("x"); ++i) connection.pause(100ms);
+      connection.send("\r\nContent-Length: 12\r\n\r\n");
+      for (int i = 0; i < kPieces && connection.send("x"); ++i) connection.pause(100ms);
     }
   });
   const auto session = sessionFor(*server);
   URLRequest request = requestTo("https://api.test/");
-  request.timeoutInterval = 400ms;
+  request.timeoutInterval = 1s;
   EXPECT_EQ(textOf(fetch(*session, request)), std::string(kPieces, 'x'));
   request.method = "POST";
   EXPECT_EQ(textOf(upload(*session, request, writeFile("upload", std::string(kSize, 'u')))), std::string(kPieces, 'x'));

@@ -1,5 +1,6 @@
 #include "Tests/Platform/Networking/SessionTest.hpp"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <optional>
@@ -120,6 +121,17 @@ TEST_F(LimitTest, EndsAnUploadWhoseFileBecomesShorter) {
   });
   const auto session = sessionFor(*server);
   EXPECT_EQ(labelOf(upload(*session, requestTo("https://api.test/", "POST"), file)), "cannotOpenFile");
+}
+
+TEST_F(LimitTest, FailsItsTasksWhenTheSystemHasNoDescriptorsLeft) {
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  rlimit none = before;
+  none.rlim_cur = 0;
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  auto session = std::make_unique<CurlURLSession>(configurationFor(1));
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(labelOf(fetch(*session, requestTo("https://api.test/"))), "unknown");
 }
 
 }  // namespace

@@ -82,6 +82,12 @@ TEST(Operators, ChangeValuesAndEnds) {
   }
 }
 
+TEST(Operators, AValueIsHandedOverOnce) {
+  const auto publisher = handedOver(std::string("x"));
+  EXPECT_EQ(Trace(publisher).text(), " x |");
+  EXPECT_EQ(Trace(publisher).text(), " |");
+}
+
 TEST(Operators, RetryTriesAtMostAsOftenAsTold) {
   struct Row {
     int failures;

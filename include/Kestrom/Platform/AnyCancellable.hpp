@@ -21,7 +21,8 @@ class KESTROM_API CancelTarget : public RefCounted {
 /// The token of something that runs; ends it when dropped. After `cancel` has returned nothing more is delivered, not
 /// even what is already queued: a delivery that runs on another thread at that moment is waited for, one that runs on
 /// this very thread is the last. So a delivery must not wait for a thread that cancels it. A cancel from within a
-/// delivery of another subscription does not wait, since that one may be cancelling this one.
+/// delivery of another subscription does not wait, since that one may be cancelling this one. What it ends may promise
+/// less: a session's task does not wait for its completion.
 class [[nodiscard]] KESTROM_API AnyCancellable {
  public:
   AnyCancellable() = default;

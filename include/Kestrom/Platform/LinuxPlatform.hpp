@@ -21,7 +21,7 @@ struct LinuxPlatformOptions {
 
   /// Where the user's data lie; absent: "kestrom" in $XDG_DATA_HOME or in ~/.local/share.
   std::optional<foundation::URL> documentsDirectory;
-  /// Absent: "kestrom" in the system's directory for temporary files.
+  /// Absent: one of this user alone in the system's directory for temporary files, made if it is missing.
   std::optional<foundation::URL> temporaryDirectory;
   /// Every connection goes there; URL, Host header, TLS server name and certificate check stay those of the request.
   std::optional<Address> connectTo;

@@ -5,11 +5,15 @@
 
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
+#include <vector>
 
 namespace kestrom::reactive {
 
+class WaitingPlace;
 class WorkQueue;
 
 /// The steady clock of the system.
@@ -41,16 +45,25 @@ class KESTROM_API MainQueue final : public Scheduler {
   /// To be set before the first use.
   void setWakeUp(std::function<void()> wakeUp) { _wakeUp = std::move(wakeUp); }
 
+  /// Has `run` wait there when it has nothing to do, as long as the place exists. The first place stays; the others are
+  /// for the case that it goes. For the kit's own platform. Any thread.
+  void offer(std::weak_ptr<WaitingPlace> place);
+
  private:
   void notify();
+  void wait();
+  std::shared_ptr<WaitingPlace> place() const;
 
   Ref<WorkQueue> _queue;
   std::function<TimePoint()> _clock;
   std::function<void()> _wakeUp;
-  std::mutex _mutex;
+  mutable std::mutex _mutex;
   std::condition_variable _changed;
   bool _hasChanged = false;
   bool _isStopping = false;
+  /// The thread of `run`.
+  std::thread::id _runner;
+  std::vector<std::weak_ptr<WaitingPlace>> _places;
 };
 
 }  // namespace kestrom::reactive

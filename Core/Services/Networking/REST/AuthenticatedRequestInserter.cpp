@@ -9,7 +9,7 @@ reactive::Publisher<networking::URLRequest, reactive::Never> AuthenticatedReques
   const session::KestromUser user = _store->user();
   if (user.token) request.headers.add("authorization", "Bearer " + *user.token);
   if (user.currentKestromInfo) request.headers.add("organizationId", user.currentKestromInfo->organizationId);
-  return reactive::just(std::move(request));
+  return reactive::handedOver(std::move(request));
 }
 
 }  // namespace kestrom::services

@@ -40,10 +40,17 @@ Exchange taskPublisher(StartTask start) {
       });
 }
 
+/// To be subscribed to once.
 Exchange dataExchange(const Session& session, URLRequest request) {
-  return taskPublisher([session, request = std::move(request)](URLSession::DataCompletion completion) {
-    return session->dataTask(request, std::move(completion));
-  });
+  struct Start {
+    Session session;
+    mutable URLRequest request;
+
+    reactive::AnyCancellable operator()(URLSession::DataCompletion completion) const {
+      return session->dataTask(std::move(request), std::move(completion));
+    }
+  };
+  return taskPublisher(Start{session, std::move(request)});
 }
 
 /// The file is gone when the exchange has ended, but stays when the caller gave up: it may be read yet.
@@ -98,8 +105,9 @@ Publisher<std::any, RESTError> RESTNetworkService::run(SharedRequest request, co
   const std::shared_ptr<const Parts> parts = _parts;
   const Session session = givenSession ? std::move(givenSession) : parts->session;
 
-  auto requests = reactive::deferred(
-      [request, parts]() -> Publisher<URLRequest, Never> { return reactive::just(request->urlRequest(parts->clock)); });
+  auto requests = reactive::deferred([request, parts]() -> Publisher<URLRequest, Never> {
+    return reactive::handedOver(request->urlRequest(parts->clock));
+  });
   for (const auto& modifier : parts->requestModifiers) {
     requests = requests.flatMap([modifier](URLRequest&& passing) { return modifier->modified(std::move(passing)); });
   }

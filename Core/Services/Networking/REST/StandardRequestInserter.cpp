@@ -8,7 +8,7 @@ reactive::Publisher<networking::URLRequest, reactive::Never> StandardRequestInse
     networking::URLRequest request) const {
   request.headers.add("version", "3");
   request.headers.add("sdk-version", _sdkBundle->infoValue("CFBundleShortVersionString").value_or("Unknown"));
-  return reactive::just(std::move(request));
+  return reactive::handedOver(std::move(request));
 }
 
 }  // namespace kestrom::services
