@@ -22,7 +22,7 @@ class FakeAnswerService final : public services::AnswerService {
                                                        const models::KestromObjectDetails& kestrom) override {
     return reactive::deferred([this, submission = Submitted{kestrom.id, answer}] {
       submitted.push_back(submission);
-      return outcomes.publisher();
+      return outcomes.publisher().handleEvents({.onCancel = [this] { ++cancelled; }});
     });
   }
   reactive::Publisher<std::vector<models::BotAPIAnswerDTO>, reactive::Never> answersHistory(
@@ -38,7 +38,9 @@ class FakeAnswerService final : public services::AnswerService {
   std::vector<models::BotAPIAnswerDTO> history;
   /// Those that somebody subscribed to.
   std::vector<Submitted> submitted;
-  /// Ends all submissions that still wait.
+  /// Of those, the ones that were dropped before their outcome.
+  int cancelled = 0;
+  /// The outcome of all submissions that wait for theirs.
   reactive::PassthroughSubject<bool, services::AnyError> outcomes;
   std::vector<std::string> cleared;
 };

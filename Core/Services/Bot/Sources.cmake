@@ -2,9 +2,11 @@ set(KESTROM_BOT_SOURCES
   Bot/AnswerIndex.cpp
   Bot/ConditionalEvaluation.cpp
   Bot/ConversationConversion.cpp
+  Bot/DefaultBotEngine.cpp
   Bot/HandleBarParser.cpp
   Bot/NativeBotEngine.cpp
   Bot/PlaceholderFinder.cpp
+  Bot/SharedListFormatter.cpp
   Bot/TemplateWalk.cpp
   Bot/Transcript.cpp
 )
