@@ -43,20 +43,21 @@ void ConnectionHandler::run() {
 
 bool ConnectionHandler::serveOne() {
   auto head = _connection.readHead();
-  if (!head) {
-    refuseHead(head.error());
-    return false;
-  }
   Exchange exchange;
+  if (!head) {
+    exchange.head = _connection.headSoFar();
+    return refuseHead(exchange, head.error());
+  }
   exchange.route = findRoute(head->method, head->target);
   exchange.head = std::move(*head);
 
   // Two endpoints share a path; there the body must come before anything is known.
   const bool isToldByBody = exchange.route.endpoint == Endpoint::saveUserProfile;
   if (!isToldByBody) count(exchange);
-  if (exchange.drop() == Fault::Drop::beforeBody) {
-    log(exchange, std::nullopt);
-    return reset();
+  if (exchange.drop() == Fault::Drop::beforeBody) return finish(exchange, Response());
+  // Nobody's media are not even taken.
+  if (exchange.route.endpoint == Endpoint::uploadMedia && !exchange.call.fault) {
+    if (const auto refusal = _context.service.refusalOfHead(exchange.head)) return refuse(exchange, *refusal);
   }
 
   const BodyEnd end = readBody(exchange);
@@ -78,14 +79,22 @@ bool ConnectionHandler::serveOne() {
   return finish(exchange, response);
 }
 
-void ConnectionHandler::refuseHead(HTTPConnection::ReadError error) {
-  if (error == HTTPConnection::ReadError::closed) return;
-  const bool isTooLarge = error == HTTPConnection::ReadError::headTooLarge;
-  refuse(Exchange(), isTooLarge ? errorResponse(431, "the request's head is too large")
-                                : errorResponse(400, "this is no HTTP request"));
+bool ConnectionHandler::refuseHead(Exchange& exchange, HTTPConnection::ReadError error) {
+  switch (error) {
+    case HTTPConnection::ReadError::closed:
+      if (!exchange.head.target.empty()) log(exchange, std::nullopt);
+      return false;
+    case HTTPConnection::ReadError::headTooLarge:
+      return refuse(exchange, errorResponse(431, "the request's head is too large"));
+    case HTTPConnection::ReadError::malformed:
+      break;
+  }
+  return refuse(exchange, errorResponse(400, "this is no HTTP request"));
 }
 
-bool ConnectionHandler::refuse(const Exchange& exchange, const Response& response) {
+bool ConnectionHandler::refuse(Exchange& exchange, const Response& response) {
+  // It was to happen to a request that is one.
+  exchange.call.fault = nullptr;
   log(exchange, response.status);
   if (_connection.write(response, false)) _connection.closeAfterRefusal();
   return false;
@@ -141,7 +150,7 @@ bool ConnectionHandler::finish(Exchange& exchange, const Response& response) {
   const Fault::Drop drop = exchange.drop();
   const bool isMute = drop == Fault::Drop::beforeBody || drop == Fault::Drop::afterBody || (fault && fault->garbage);
   log(exchange, isMute ? std::nullopt : std::optional(response.status));
-  if (fault && !_context.stop.waitFor(fault->delay)) return false;
+  if (fault && fault->delay.count() > 0 && !_context.stop.waitFor(fault->delay)) return false;
   if (fault && fault->garbage) {
     _connection.writeRaw(*fault->garbage);
     return false;

@@ -39,8 +39,8 @@ class ConnectionHandler {
   enum class BodyEnd : std::uint8_t { whole, cut, malformed, tooLarge };
 
   bool serveOne();
-  void refuseHead(HTTPConnection::ReadError error);
-  bool refuse(const Exchange& exchange, const Response& response);
+  bool refuseHead(Exchange& exchange, HTTPConnection::ReadError error);
+  bool refuse(Exchange& exchange, const Response& response);
   BodyEnd readBody(Exchange& exchange);
   void count(Exchange& exchange);
   Response handle(Exchange& exchange);

@@ -69,7 +69,7 @@ class FaultScript {
   std::optional<foundation::JSONDocument> _document;
   std::vector<Rule> _rules;
   std::mutex _mutex;
-  std::array<std::int64_t, 14> _counts{};
+  std::array<std::int64_t, kEndpointCount> _counts{};
 };
 
 }  // namespace kestrom::sandbox

@@ -14,6 +14,7 @@
 #include <array>
 #include <chrono>
 #include <fstream>
+#include <utility>
 
 namespace kestrom::sandbox {
 
@@ -116,20 +117,26 @@ std::expected<RequestHead, HTTPConnection::ReadError> HTTPConnection::readHead()
   http::read_header(_reader->stream, _reader->buffer, parser, error);
   if (error) return std::unexpected(readError(error));
 
-  const auto& message = parser.get();
-  RequestHead head;
-  head.method = std::string(message.method_string());
-  head.target = std::string(message.target());
-  for (const auto& field : message) {
-    head.headers.push_back({std::string(field.name_string()), std::string(field.value())});
-  }
+  RequestHead head = headSoFar();
   if (const auto length = parser.content_length()) head.contentLength = *length;
   head.expectsContinue = equalsIgnoringCase(head.header("Expect").value_or(""), "100-continue");
   head.isKeptAlive = parser.keep_alive();
   return head;
 }
 
+RequestHead HTTPConnection::headSoFar() const {
+  const auto& message = _reader->parser->get();
+  RequestHead head;
+  head.method = std::string(message.method_string());
+  head.target = std::string(message.target());
+  for (const auto& field : message) {
+    head.headers.push_back({std::string(field.name_string()), std::string(field.value())});
+  }
+  return head;
+}
+
 std::expected<std::size_t, HTTPConnection::ReadError> HTTPConnection::readBody(std::span<std::uint8_t> buffer) {
+  if (_bodyError) return std::unexpected(*std::exchange(_bodyError, std::nullopt));
   Parser& parser = *_reader->parser;
   if (parser.is_done()) return 0;
   auto& body = parser.get().body();
@@ -137,8 +144,12 @@ std::expected<std::size_t, HTTPConnection::ReadError> HTTPConnection::readBody(s
   body.size = buffer.size();
   error_code error;
   http::read(_reader->stream, _reader->buffer, parser, error);
-  if (error && error != http::error::need_buffer) return std::unexpected(readError(error));
-  return buffer.size() - body.size;
+  const std::size_t count = buffer.size() - body.size;
+  if (error && error != http::error::need_buffer) {
+    if (count == 0) return std::unexpected(readError(error));
+    _bodyError = readError(error);
+  }
+  return count;
 }
 
 bool HTTPConnection::sendContinue() {

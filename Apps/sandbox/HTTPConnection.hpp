@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -31,7 +32,10 @@ class HTTPConnection {
   /// Waits for the next request. The body of the one before has been read.
   std::expected<RequestHead, ReadError> readHead();
 
-  /// The next bytes of the body, the number of which is 0 at its end only.
+  /// Of a request that could not be read: what was understood before; the target is empty before a whole first line.
+  RequestHead headSoFar() const;
+
+  /// The next bytes of the body, the number of which is 0 at its end only. What came before an error comes before it.
   std::expected<std::size_t, ReadError> readBody(std::span<std::uint8_t> buffer);
 
   /// Asks a client that waits for it to send the body.
@@ -55,6 +59,8 @@ class HTTPConnection {
 
   TLSConnection& _stream;
   std::unique_ptr<Reader> _reader;
+  /// Of the body, behind bytes that were handed on.
+  std::optional<ReadError> _bodyError;
 };
 
 }  // namespace kestrom::sandbox

@@ -49,6 +49,8 @@ void writeBody(JSONWriter& writer, const LoggedRequest& request) {
     writer.string(form == "text" ? std::string(kept) : foundation::encodeBase64(foundation::bytesOf(kept)));
   }
   writeText(writer, "bodyForm", form);
+  // Numbers of a value may have been written in another way.
+  if (form == "json") writeText(writer, "raw", request.body.substr(0, RequestLog::kMaximumText));
 }
 
 void writeParts(JSONWriter& writer, const std::vector<UploadReceiver::Part>& parts) {
@@ -107,12 +109,23 @@ std::string line(const LoggedRequest& request, std::int64_t number) {
   return std::move(writer).text() + '\n';
 }
 
+/// A server that was killed may have left half a line, which would spoil the next one too.
+bool removePartialLine(int file) {
+  const off_t size = ::lseek(file, 0, SEEK_END);
+  off_t end = size;
+  char last = 0;
+  while (end > 0 && ::pread(file, &last, 1, end - 1) == 1 && last != '\n') --end;
+  return size >= 0 && (end == size || ::ftruncate(file, end) == 0);
+}
+
 }  // namespace
 
 std::expected<RequestLog, std::string> RequestLog::open(const std::filesystem::path& file) {
-  const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (descriptor < 0) return std::unexpected(file.string() + ": cannot be written");
-  return RequestLog(descriptor);
+  RequestLog log(descriptor);
+  if (!removePartialLine(descriptor)) return std::unexpected(file.string() + ": cannot be mended");
+  return log;
 }
 
 RequestLog::RequestLog(RequestLog&& other) noexcept : _file(std::exchange(other._file, -1)), _number(other._number) {}
@@ -130,6 +143,7 @@ void RequestLog::write(const LoggedRequest& request) {
     const ssize_t count = ::write(_file, rest.data(), rest.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) {
+      removePartialLine(_file);
       std::cerr << "kestrom-sandbox: the request log cannot be written\n";
       return;
     }

@@ -10,7 +10,7 @@ namespace kestrom::sandbox {
 
 namespace {
 
-constexpr std::array<std::string_view, 14> kNames{
+constexpr std::array<std::string_view, kEndpointCount> kNames{
     "mobileLogin",     "kestromObject",      "statusCheck",      "submit",     "getBot",
     "saveUserProfile", "submitUserConstent", "getConfiguration", "getAddress", "submitAnswer",
     "getHistory",      "uploadEvents",       "uploadMedia",      "media"};

@@ -25,6 +25,8 @@ enum class Endpoint : std::uint8_t {
   media,
 };
 
+inline constexpr std::size_t kEndpointCount = static_cast<std::size_t>(Endpoint::media) + 1;
+
 /// The name in fault scripts and in the request log.
 std::string_view endpointName(Endpoint endpoint);
 std::optional<Endpoint> endpointNamed(std::string_view name);

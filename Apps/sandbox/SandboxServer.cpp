@@ -70,8 +70,11 @@ void SandboxServer::run(const TLSContext& tls, const ConnectionContext& context)
   while (true) {
     // poll passes over negative descriptors.
     const bool isFull = _clients.size() >= kMaximumClients;
-    pollfd watched[] = {{_signals, POLLIN, 0}, {_doneEvent, POLLIN, 0}, {isFull ? -1 : _listener, POLLIN, 0}};
-    if (poll(watched, std::size(watched), -1) < 0) continue;
+    const bool isListening = !isFull && !std::exchange(_isShort, false);
+    pollfd watched[] = {{_signals, POLLIN, 0}, {_doneEvent, POLLIN, 0}, {isListening ? _listener : -1, POLLIN, 0}};
+    // What the system is short of may come back without anybody's telling.
+    constexpr int kPauseInMilliseconds = 100;
+    if (poll(watched, std::size(watched), isListening || isFull ? -1 : kPauseInMilliseconds) < 0) continue;
     if (watched[0].revents != 0) break;
     if (watched[1].revents != 0) joinDone();
     if (watched[2].revents != 0) acceptClient(tls, context);
@@ -81,7 +84,10 @@ void SandboxServer::run(const TLSContext& tls, const ConnectionContext& context)
 
 void SandboxServer::acceptClient(const TLSContext& tls, const ConnectionContext& context) {
   const int socket = accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
-  if (socket < 0) return;
+  if (socket < 0) {
+    _isShort = errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
+    return;
+  }
   const int on = 1;
   setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &kReadPatience, sizeof kReadPatience);

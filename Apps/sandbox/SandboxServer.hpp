@@ -58,6 +58,8 @@ class SandboxServer {
   StopSignal _stop;
   std::mutex _mutex;
   std::list<Client> _clients;
+  /// The last client could not be accepted for want of descriptors or memory.
+  bool _isShort = false;
 };
 
 }  // namespace kestrom::sandbox

@@ -93,14 +93,28 @@ std::string mediaHost(const RequestHead& head) {
 Response SandboxService::answer(const ServiceRequest& request) {
   try {
     if (!needsToken(request.endpoint)) return answerAnybody(request);
-    const auto token = bearerToken(request.head);
-    if (!token) return unauthorized("a bearer token is needed");
-    const auto caseId = _store.caseOfToken(*token);
-    if (!caseId) return unauthorized("the token is not known");
-    return answerHolder(request, *caseId);
+    const auto caseId = caseOfHolder(request.head);
+    return caseId ? answerHolder(request, *caseId) : caseId.error();
   } catch (const DatabaseFault& fault) {
     return errorResponse(500, fault.what());
   }
+}
+
+std::optional<Response> SandboxService::refusalOfHead(const RequestHead& head) {
+  try {
+    const auto caseId = caseOfHolder(head);
+    return caseId ? std::nullopt : std::optional(caseId.error());
+  } catch (const DatabaseFault& fault) {
+    return errorResponse(500, fault.what());
+  }
+}
+
+std::expected<std::string, Response> SandboxService::caseOfHolder(const RequestHead& head) {
+  const auto token = bearerToken(head);
+  if (!token) return std::unexpected(unauthorized("a bearer token is needed"));
+  auto caseId = _store.caseOfToken(*token);
+  if (!caseId) return std::unexpected(unauthorized("the token is not known"));
+  return std::move(*caseId);
 }
 
 Response SandboxService::answerAnybody(const ServiceRequest& request) {
@@ -204,9 +218,11 @@ Response SandboxService::medium(const ServiceRequest& request) {
   // Only names that the server itself gave are found, so that none leads anywhere else.
   const auto record = _store.findMedia(request.id);
   if (!record) return errorResponse(404, "no such medium");
+  const std::filesystem::path file = _mediaDirectory / record->name;
+  if (!std::ifstream(file)) return errorResponse(500, "the file cannot be read");
   Response response;
   response.contentType = record->contentType;
-  response.file = _mediaDirectory / record->name;
+  response.file = file;
   return response;
 }
 
@@ -259,7 +275,13 @@ Response SandboxService::keepUpload(const ServiceRequest& request, const std::st
   if (!request.upload) return errorResponse(415, "the body must be multipart/form-data with a boundary");
   auto record = request.upload->accept();
   if (!record) return std::move(record.error());
-  _store.addMedia(caseId, *record);
+  try {
+    _store.addMedia(caseId, *record);
+  } catch (const DatabaseFault&) {
+    std::error_code ignored;
+    std::filesystem::remove(_mediaDirectory / record->name, ignored);
+    throw;
+  }
   foundation::JSONWriter writer;
   writer.beginObject();
   writer.key("url");

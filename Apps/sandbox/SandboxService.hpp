@@ -33,7 +33,12 @@ class SandboxService {
 
   Response answer(const ServiceRequest& request);
 
+  /// The answer to a request that needs a token and has none that is known; absent when it has one.
+  std::optional<Response> refusalOfHead(const RequestHead& head);
+
  private:
+  std::expected<std::string, Response> caseOfHolder(const RequestHead& head);
+
   Response answerAnybody(const ServiceRequest& request);
   Response answerHolder(const ServiceRequest& request, const std::string& caseId);
   Response answerOnCase(const ServiceRequest& request, const std::string& caseId);

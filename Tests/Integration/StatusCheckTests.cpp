@@ -117,6 +117,43 @@ TEST_F(StatusCheckIntegration, TurnsWhateverTheServerDoesIntoAFailure) {
   EXPECT_EQ(server.requestLog().size(), std::size(rows) + 1);
 }
 
+/// Sessions whose requests wait for a moment only.
+class HurriedSessionFactory final : public networking::URLSessionFactory {
+ public:
+  explicit HurriedSessionFactory(std::shared_ptr<networking::URLSessionFactory> factory)
+      : _factory(std::move(factory)) {}
+
+  std::shared_ptr<networking::URLSession> makeSession(reactive::Scheduler* delegateQueue) override {
+    return std::make_shared<Session>(_factory->makeSession(delegateQueue));
+  }
+
+ private:
+  struct Session final : networking::URLSession {
+    explicit Session(std::shared_ptr<networking::URLSession> patient) : session(std::move(patient)) {}
+
+    reactive::AnyCancellable dataTask(networking::URLRequest request, DataCompletion completion) override {
+      EXPECT_EQ(request.timeoutInterval, std::chrono::seconds(60));
+      request.timeoutInterval = std::chrono::milliseconds(300);
+      return session->dataTask(std::move(request), std::move(completion));
+    }
+    reactive::AnyCancellable uploadTask(networking::URLRequest, URL, DataCompletion) override { return {}; }
+    reactive::AnyCancellable downloadTask(networking::URLRequest, DownloadCompletion) override { return {}; }
+
+    std::shared_ptr<networking::URLSession> session;
+  };
+
+  std::shared_ptr<networking::URLSessionFactory> _factory;
+};
+
+TEST_F(StatusCheckIntegration, EndsWhenTheServerSaysNothing) {
+  const SandboxProcess server(R"([{"endpoint": "statusCheck", "call": 1, "delay": 3600}])");
+  Platform platform = linuxPlatform(optionsFor(server.certificateAuthority(), server.port()));
+  platform.urlSessionFactory = std::make_shared<HurriedSessionFactory>(platform.urlSessionFactory);
+  const auto kit = sdk::KestromSDKBuilder::make(platform);
+  EXPECT_EQ(std::get<KestromError>(statusOf(*kit)), KestromError::unknown());
+  EXPECT_EQ(server.requestLog().size(), 1u);
+}
+
 TEST_F(StatusCheckIntegration, TrustsNobodyElse) {
   SandboxProcess server;
   const SandboxProcess stranger;

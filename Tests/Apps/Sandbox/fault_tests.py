@@ -114,6 +114,14 @@ class FaultTests(SandboxTest):
                 outcomes.append("reset")
         self.assertEqual(outcomes, [204, "reset", 500, 204])
 
+    def test_delays_a_reset_too(self):
+        for drop in "beforeBody", "afterBody":
+            sandbox = self.start(faults=[{"endpoint": "statusCheck", "call": 1, "delay": 0.05, "drop": drop}])
+            begin = time.monotonic()
+            self.assertRaises((http.client.RemoteDisconnected, OSError), self.check, sandbox)
+            self.assertGreaterEqual(time.monotonic() - begin, 0.05)
+            sandbox.stop()
+
     def test_delays_an_answer_but_not_what_is_done_nor_the_end(self):
         sandbox = self.start(faults=[{"endpoint": "statusCheck", "call": 1, "delay": 0.05},
                                      {"endpoint": "submitAnswer", "call": "all", "delay": 3600}])
@@ -177,7 +185,7 @@ class RequestLogTests(SandboxTest):
         requests = [
             ("GET", f"/kestroms/{CASE}?a=%20b", None, {"X-One": "1", "x-Two": "\u00fc"}, "kestromObject", 200, None,
              "none"),
-            ("POST", STATUS_PATH, b'{"b": [1.5, null]}', {}, "statusCheck", 422, {"b": [1.5, None]}, "json"),
+            ("POST", STATUS_PATH, b'{"b": [1.50, null]}', {}, "statusCheck", 422, {"b": [1.5, None]}, "json"),
             ("POST", STATUS_PATH, b"a\tb", {}, "statusCheck", 422, "a\tb", "text"),
             ("POST", STATUS_PATH, b"\xff\x00", {}, "statusCheck", 422, "/wA=", "base64"),
             ("POST", STATUS_PATH, b"x" * 100000, {}, "statusCheck", 422, "x" * 65536, "text"),
@@ -198,11 +206,22 @@ class RequestLogTests(SandboxTest):
                 self.assertEqual(entry["call"], calls[endpoint] if endpoint else 0)
                 self.assertEqual((entry["body"], entry["bodyForm"]), (logged, kind))
                 self.assertEqual(entry["bodySize"], len(body or b""))
+                self.assertEqual(entry.get("raw"), body.decode() if kind == "json" else None)
                 self.assertIn(["authorization", f"Bearer {token}"], entry["headers"])
                 self.assertRegex(entry["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
         names = [name for name, _ in log[1]["headers"]]
         self.assertLess(names.index("X-One"), names.index("x-Two"))
         self.assertEqual(log[-1]["parts"], [{"name": "media", "fileName": 'a"b.tar', "contentType": "tar", "size": 3}])
+
+    def test_goes_on_behind_the_last_whole_line(self):
+        sandbox = self.start()
+        sandbox.call("POST", STATUS_PATH, CODES)
+        sandbox.stop()
+        with open(sandbox.state / "requests.jsonl", "a") as file:
+            file.write('{"number":9,"ti')
+        sandbox = self.start()
+        sandbox.call("POST", STATUS_PATH, CODES)
+        self.assertEqual([entry["number"] for entry in sandbox.log()], [1, 1])
 
 
 if __name__ == "__main__":

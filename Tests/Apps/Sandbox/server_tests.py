@@ -70,7 +70,9 @@ class ConnectionTests(SharedSandboxTest):
             ("a long head", b"GET / HTTP/1.1\r\nA: " + b"a" * 100000 + b"\r\n\r\n", 431),
             ("a long target", b"GET /" + b"a" * 100000 + b" HTTP/1.1\r\n\r\n", 431),
             ("a long body", post(status, b"x", "Content-Length: 99999999999"), 413),
-            ("a long upload", post(UPLOAD_PATH, b"x", MULTIPART, "Content-Length: 999999999"), 413),
+            ("a long upload", post(UPLOAD_PATH, b"x", MULTIPART, "Content-Length: 999999999",
+                                    f"authorization: Bearer {self.token}"), 413),
+            ("an upload of nobody's", post(UPLOAD_PATH, b"x", MULTIPART, "Content-Length: 999"), 401),
             ("many chunks", post(status, chunk * 6, "Transfer-Encoding: chunked"), 413),
         ]:
             with self.subTest(label):
@@ -89,6 +91,9 @@ class ConnectionTests(SharedSandboxTest):
                     pass
             entry = self.sandbox.log()[-1]
             self.assertEqual((entry["target"], entry["status"]), (path, None))
+            self.assertEqual(entry["bodySize"], len(text) - 1)
+            if path == answers:
+                self.assertEqual((entry["bodyForm"], entry["body"]), ("text", body.decode()[:-1]))
         self.assertEqual(self.call("GET", f"/kestroms/{CASE}/answers", token=self.token).json(), {"answers": []})
         self.assertEqual(list((self.sandbox.state / "media").glob("*.jpeg")), [])
 
