@@ -1,5 +1,6 @@
 #include "Apps/kestrom/Composition.hpp"
 
+#include "Core/Services/Bot/SharedListFormatter.hpp"
 #include "Kestrom/Platform/Clock.hpp"
 #include "Platform/Foundation/Calendar.hpp"
 #include "Platform/Foundation/UUID.hpp"
@@ -16,7 +17,7 @@ foundation::Date systemTime() {
 services::ConversationConversion makeConversion(std::shared_ptr<const foundation::JSONDocument> rawCase, Now now) {
   return services::ConversationConversion({
       .handlebarParser = services::HandleBarParser(std::move(rawCase)),
-      .listFormatter = std::make_shared<foundation::ListFormatter>("en_US"),
+      .listFormatter = services::sharedListFormatter(),
       .imageCodec = std::make_shared<imaging::NoImageCodec>(),
       .makeIdentifier = foundation::makeUUIDString,
       .presentYear = [now = std::move(now)] { return foundation::calendarYear(now()); },

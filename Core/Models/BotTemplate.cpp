@@ -127,10 +127,10 @@ struct Coding<BotNode> {
   };
 };
 
-template <>
-struct Coding<BotTemplate> {
+void Coder<BotTemplate>::decode(BotTemplate& out, JSONValue value, DecodingContext& context) {
   static constexpr std::array kFields{field<&BotTemplate::sequence>("sequence")};
-};
+  decodeFields(kFields, &out, value, context);
+}
 
 static void decodeArm(void* list, JSONValue element, DecodingContext& context) {
   Coder<AdventureNode>::decode(static_cast<std::vector<AdventureNode>*>(list)->emplace_back(), element, context);

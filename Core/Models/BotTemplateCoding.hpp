@@ -8,6 +8,16 @@
 #include <string_view>
 #include <vector>
 
+namespace kestrom::foundation {
+
+/// Where the document is decoded by `decodeDocument` or what stands on it, as the lists of nodes wait for their turn.
+template <>
+struct Coder<models::BotTemplate> {
+  static void decode(models::BotTemplate& out, JSONValue value, DecodingContext& context);
+};
+
+}  // namespace kestrom::foundation
+
 namespace kestrom::models {
 
 /// Decodes a template from the text of its JSON document. Any fault aborts it; the first one is told, with its path.

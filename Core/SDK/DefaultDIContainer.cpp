@@ -39,7 +39,7 @@ std::shared_ptr<const services::RESTService> DefaultDIContainer::makeRESTService
 
 std::unique_ptr<usecases::StatusCheckUseCase> DefaultDIContainer::makeStatusCheckUseCase() const {
   return std::make_unique<usecases::DefaultStatusCheckUseCase>(
-      std::make_shared<services::DefaultKestromObjectService>(makeRESTService()));
+      std::make_shared<services::DefaultKestromObjectService>(makeRESTService(), nullptr, services::defaultDecoder()));
 }
 
 std::unique_ptr<usecases::PostKestromEventUseCase> DefaultDIContainer::makePostKestromEventUseCase() const {

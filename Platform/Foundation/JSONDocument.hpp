@@ -17,6 +17,8 @@ enum class JSONType : std::uint8_t { null, boolean, number, string, array, objec
 struct JSONSyntaxError {
   /// One line for a person, with line and column where they are known.
   std::string description;
+
+  friend bool operator==(const JSONSyntaxError&, const JSONSyntaxError&) = default;
 };
 
 namespace detail {

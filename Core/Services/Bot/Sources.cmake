@@ -4,9 +4,11 @@ set(KESTROM_BOT_SOURCES
   Bot/ConditionalEvaluation.cpp
   Bot/ConversationConversion.cpp
   Bot/DefaultAnswerService.cpp
+  Bot/DefaultBotEngine.cpp
   Bot/HandleBarParser.cpp
   Bot/NativeBotEngine.cpp
   Bot/PlaceholderFinder.cpp
+  Bot/SharedListFormatter.cpp
   Bot/TemplateWalk.cpp
   Bot/Transcript.cpp
 )

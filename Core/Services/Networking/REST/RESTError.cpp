@@ -54,4 +54,8 @@ std::string debugDescription(const DecodingError& error) {
   return "DecodingError." + std::string(kKinds[static_cast<std::size_t>(error.kind)]) + " at \"" + error.path + "\"";
 }
 
+std::string debugDescription(const JSONSyntaxError&) {
+  return "JSONSyntaxError";
+}
+
 }  // namespace kestrom::foundation

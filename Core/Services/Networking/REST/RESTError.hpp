@@ -4,6 +4,7 @@
 #include "Core/Services/Networking/REST/AnyError.hpp"
 #include "Kestrom/Platform/URLError.hpp"
 #include "Platform/Foundation/JSONDecoding.hpp"
+#include "Platform/Foundation/JSONDocument.hpp"
 
 #include <optional>
 #include <string>
@@ -94,5 +95,6 @@ std::string debugDescription(const URLError& error);
 namespace kestrom::foundation {
 
 std::string debugDescription(const DecodingError& error);
+std::string debugDescription(const JSONSyntaxError& error);
 
 }  // namespace kestrom::foundation
