@@ -14,11 +14,11 @@
 #include "Tests/Support/FakeURLSession.hpp"
 #include "Tests/Support/OutcomeNow.hpp"
 #include "Tests/Support/RecordingLogSink.hpp"
+#include "Tests/Support/WireAnswers.hpp"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -121,13 +121,6 @@ class DefaultAnswerServiceTest : public testing::Test {
 };
 
 using Seen = std::vector<std::string>;
-
-/// As the server writes it: dates with a fraction.
-std::string historyBody(const Answers& answers) {
-  const std::string text =
-      foundation::encodeJSON(models::AnswersHistoryResponse{answers}, foundation::DateStrategy::iso8601);
-  return std::regex_replace(text, std::regex(R"((:\d\d)Z")"), "$1.000Z\"");
-}
 
 TEST_F(DefaultAnswerServiceTest, KeepsAnAnswerBeforeItsRequestAndMarksItAfterwards) {
   const auto first = submit(chosenAnswer("m1", "one"));
@@ -300,7 +293,7 @@ TEST_F(DefaultAnswerServiceTest, BelievesTheListThatKnowsMore) {
     const auto token = service->answersHistory(someCase()).sink([&](Answers&& answers) { history = answers; });
     mainQueue.runReady();
     EXPECT_FALSE(history) << "the server is not heard yet";
-    answerNext(200, historyBody(server));
+    answerNext(200, tests::historyBody(server));
     ASSERT_TRUE(history);
     EXPECT_TRUE(*history == (cases[index].isServers ? server : device)) << index;
   }

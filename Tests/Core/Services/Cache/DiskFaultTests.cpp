@@ -11,13 +11,13 @@
 #include "Tests/Support/FakeURLSession.hpp"
 #include "Tests/Support/OutcomeNow.hpp"
 #include "Tests/Support/SystemCalls.hpp"
+#include "Tests/Support/WireAnswers.hpp"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <map>
 #include <memory>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -93,10 +93,8 @@ class Conversation {
  private:
   /// The server takes the newest request.
   void arrive() {
-    const auto body = std::string(foundation::textOf(session->tasks.back()->request.body.value()));
-    const auto sent = foundation::decodeJSON<BotAPIAnswerDTO>(
-        std::regex_replace(body, std::regex(R"((:\d\d)Z")"), "$1.000Z\""), answersDecoder(directory.url("documents")));
-    _server[sent.value().messageId] = std::get<models::KeyValue>(sent->keyValue.form).value;
+    const BotAPIAnswerDTO sent = tests::sentAnswer(session->tasks.back()->request);
+    _server[sent.messageId] = std::get<models::KeyValue>(sent.keyValue.form).value;
   }
 
   /// The server's word comes back.
