@@ -1,5 +1,6 @@
 #include "Core/Services/DefaultAuthenticationService.hpp"
 
+#include "Tests/Support/CaseSamples.hpp"
 #include "Tests/Support/Collected.hpp"
 #include "Tests/Support/TestREST.hpp"
 
@@ -17,8 +18,6 @@ namespace {
 using models::MobileLoginResponseBody;
 using Login = tests::Collected<MobileLoginResponseBody, RESTError>;
 
-constexpr std::string_view kResponse = R"({"token":"t.o.k","organizationId":"o1","kestromId":"c1","expiresIn":3600})";
-
 class AuthenticationServiceTest : public testing::Test {
  protected:
   /// The service is gone when its answer comes.
@@ -34,7 +33,7 @@ TEST_F(AuthenticationServiceTest, TradesTheCodesForATokenAndTouchesNobodysStore)
   const auto collected = login();
   EXPECT_EQ(rest.sent(),
             (std::vector<std::string>{R"(POST /auth/mobile-login {"accessCode":"K7M 2QX","zipCode":"05401"})"}));
-  rest.answer(200, kResponse);
+  rest.answer(200, tests::kLogin);
   EXPECT_EQ(collected->values, (std::vector{MobileLoginResponseBody{"t.o.k", "o1", "c1"}}));
   EXPECT_EQ(collected->ends, 1);
   EXPECT_EQ(rest.store->user(), session::KestromUser());
@@ -44,7 +43,7 @@ TEST_F(AuthenticationServiceTest, FailsWhereARequiredMemberIsMissing) {
   for (const std::string_view member : {"token", "organizationId", "kestromId"}) {
     SCOPED_TRACE(member);
     const auto collected = login();
-    std::string renamed(kResponse);
+    std::string renamed(tests::kLogin);
     rest.answer(200, renamed.insert(renamed.find(member), "-"));
     ASSERT_TRUE(collected->failure);
     const auto* decoding = std::get_if<RESTError::Decoding>(&collected->failure->form);
