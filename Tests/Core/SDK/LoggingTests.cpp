@@ -31,6 +31,8 @@ TEST(Logging, HasTheFormatsThatSupportSearchesFor) {
   EXPECT_EQ(log.lines(), (Lines{"[KestromSDK] a message",
                                 "[KestromSDK] LoggingTests.cpp funtion:locationManager(_:didFailWithError:) line:" +
                                     std::to_string(line) + " the error"}));
+  using foundation::LogLevel;
+  EXPECT_EQ(log.levels(), (std::vector{LogLevel::info, LogLevel::error}));
 }
 
 struct LinkRow {

@@ -1,6 +1,7 @@
 #include "Core/Services/Networking/REST/RESTNetworkService.hpp"
 
 #include "Core/SDK/Logging.hpp"
+#include "Platform/Foundation/FatalError.hpp"
 #include "Platform/Reactive/Sources.hpp"
 
 #include <string>
@@ -24,47 +25,48 @@ using reactive::Scope;
 using Session = RESTService::Session;
 using Exchange = Publisher<DataResponse, URLError>;
 
-/// A task of a session as a publisher: it runs as long as the subscription.
-template <class StartTask>
-Exchange taskPublisher(StartTask start) {
+/// A task as a publisher: it runs as long as the subscription, and its session lives as long, because that ends its
+/// tasks when it goes. `findSession` may find none any more.
+template <class FindSession, class StartTask>
+Exchange taskPublisher(FindSession findSession, StartTask start) {
   using Downstream = reactive::Subscriber<DataResponse, URLError>;
-  return reactive::detail::makePublisher<DataResponse, URLError>(
-      [start = std::move(start)](Ref<Downstream> downstream, const Ref<Scope>& scope) {
-        auto token = start([downstream, scope](std::expected<DataResponse, URLError> result) {
-          if (scope->isCancelled()) return;
-          if (!result) return downstream->finish(Completion<URLError>::failed(std::move(result.error())));
-          downstream->receive(std::move(*result));
-          if (!scope->isCancelled()) downstream->finish(Completion<URLError>::finished());
-        });
-        scope->add([token = std::move(token)]() mutable { token.cancel(); });
-      });
+  return reactive::detail::makePublisher<DataResponse, URLError>([findSession = std::move(findSession),
+                                                                  start = std::move(start)](Ref<Downstream> downstream,
+                                                                                            const Ref<Scope>& scope) {
+    const Session session = findSession();
+    if (!session) {
+      return downstream->finish(Completion<URLError>::failed(URLError{URLError::Code::unknown, "the session is gone"}));
+    }
+    auto token = start(*session, [downstream, scope](std::expected<DataResponse, URLError> result) {
+      if (scope->isCancelled()) return;
+      if (!result) return downstream->finish(Completion<URLError>::failed(std::move(result.error())));
+      downstream->receive(std::move(*result));
+      if (!scope->isCancelled()) downstream->finish(Completion<URLError>::finished());
+    });
+    scope->add([token = std::move(token), session]() mutable { token.cancel(); });
+  });
 }
 
 /// To be subscribed to once.
 Exchange dataExchange(const Session& session, URLRequest request) {
   struct Start {
-    Session session;
     mutable URLRequest request;
 
-    reactive::AnyCancellable operator()(URLSession::DataCompletion completion) const {
-      return session->dataTask(std::move(request), std::move(completion));
+    reactive::AnyCancellable operator()(URLSession& session, URLSession::DataCompletion completion) const {
+      return session.dataTask(std::move(request), std::move(completion));
     }
   };
-  return taskPublisher(Start{session, std::move(request)});
+  return taskPublisher([session] { return session; }, Start{std::move(request)});
 }
 
 /// The file is gone when the exchange has ended, but stays when the caller gave up: it may be read yet.
-Exchange uploadExchange(const Session& session, URLRequest request, URL file,
+Exchange uploadExchange(std::weak_ptr<URLSession> session, URLRequest request, URL file,
                         std::shared_ptr<MultipartFileWriter> writer) {
   const auto remove = [writer = std::move(writer), file] { static_cast<void>(writer->remove(file)); };
-  return taskPublisher([weakSession = std::weak_ptr(session), request = std::move(request),
-                        file](URLSession::DataCompletion completion) {
-           if (const Session alive = weakSession.lock()) {
-             return alive->uploadTask(request, file, std::move(completion));
-           }
-           completion(std::unexpected(URLError{URLError::Code::unknown, "the session is gone"}));
-           return reactive::AnyCancellable();
-         })
+  return taskPublisher([session = std::move(session)] { return session.lock(); },
+                       [request = std::move(request), file](URLSession& alive, URLSession::DataCompletion completion) {
+                         return alive.uploadTask(request, file, std::move(completion));
+                       })
       .handleEvents({.onOutput = [remove](const DataResponse&) { remove(); },
                      .onCompletion = [remove](const Completion<URLError>&) { remove(); }});
 }
@@ -103,7 +105,10 @@ std::expected<Bytes, RESTError> validated(DataResponse&& exchange, const JSONDec
 Publisher<std::any, RESTError> RESTNetworkService::run(SharedRequest request, const JSONDecoder& decoder,
                                                        Session givenSession, ReadBody read) const {
   const std::shared_ptr<const Parts> parts = _parts;
-  const Session session = givenSession ? std::move(givenSession) : parts->session;
+  const auto* upload = dynamic_cast<const UploadRESTRequest*>(request.get());
+  const std::weak_ptr<URLSession> uploadSession = givenSession ? givenSession : parts->session;
+  // An upload does not keep a session that its caller has given up before it begins.
+  const Session session = upload ? nullptr : uploadSession.lock();
 
   auto requests = reactive::deferred([request, parts]() -> Publisher<URLRequest, Never> {
     return reactive::handedOver(request->urlRequest(parts->clock));
@@ -112,16 +117,17 @@ Publisher<std::any, RESTError> RESTNetworkService::run(SharedRequest request, co
     requests = requests.flatMap([modifier](URLRequest&& passing) { return modifier->modified(std::move(passing)); });
   }
 
-  const auto send = [request, parts, session](URLRequest&& ready) -> Publisher<DataResponse, RESTError> {
+  const auto send = [request, parts, session, uploadSession,
+                     upload](URLRequest&& ready) -> Publisher<DataResponse, RESTError> {
     session::logInfo("URLRequest: " + ready.url.absoluteString() + " sent");
-    const auto* upload = dynamic_cast<const UploadRESTRequest*>(request.get());
     if (!upload) return dataExchange(session, std::move(ready)).mapError(&classified);
+    if (!parts->multipartFileWriter) foundation::fatalError("An upload needs a multipart file writer");
     auto file = parts->multipartFileWriter->write(*upload);
     if (!file) {
       session::logInfo("Cannot create a multipart data file for upload request");
       return reactive::fail<DataResponse>(RESTError::unknown());
     }
-    return uploadExchange(session, std::move(ready), std::move(*file), parts->multipartFileWriter)
+    return uploadExchange(uploadSession, std::move(ready), std::move(*file), parts->multipartFileWriter)
         .mapError(&classified);
   };
 

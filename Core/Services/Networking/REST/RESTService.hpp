@@ -45,9 +45,8 @@ class RESTService {
   template <class Request>
   reactive::Publisher<reactive::Nothing, RESTError> perform(Request request, const JSONDecoder& decoder,
                                                             Session session = nullptr) const {
-    return run(shared(std::move(request)), decoder, std::move(session), &noBytes).map([](std::any&&) {
-      return reactive::Nothing{};
-    });
+    return typed<VoidResponse>(run(shared(std::move(request)), decoder, std::move(session), &noBytes))
+        .map([](VoidResponse) { return reactive::Nothing{}; });
   }
 
  protected:

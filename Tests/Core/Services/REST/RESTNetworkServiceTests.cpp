@@ -33,7 +33,7 @@ using networking::URLError;
 using tests::FakeURLSession;
 using Lines = std::vector<std::string>;
 
-/// What a call gave, as text that a test can compare.
+/// What a call gave.
 template <class Value>
 struct Outcome {
   std::vector<Value> values;
@@ -58,19 +58,23 @@ class RecordingFileWriter final : public MultipartFileWriter {
   std::vector<std::string> removed;
 };
 
-/// Turns a certain failure into a value.
-class RecoveringHandler final : public RESTErrorHandler {
+/// Keeps what it is asked, and turns it into a value or another failure.
+class RecordingHandler final : public RESTErrorHandler {
  public:
-  RecoveringHandler(std::any value, int& calls) : _value(std::move(value)), _calls(calls) {}
+  using Answer = std::expected<std::any, RESTError>;
 
-  reactive::Publisher<std::any, RESTError> tryHandle(RESTError, const RESTRequest&, const JSONDecoder&) const override {
-    ++_calls;
-    return reactive::just<RESTError>(_value);
+  RecordingHandler(Answer answer, Lines& asked) : _answer(std::move(answer)), _asked(asked) {}
+
+  reactive::Publisher<std::any, RESTError> tryHandle(RESTError error, const RESTRequest& originalRequest,
+                                                     const JSONDecoder& decoder) const override {
+    const bool isDefault = decoder.dates == defaultDecoder().dates;
+    _asked.push_back(debugDescription(error) + " of " + originalRequest.path() + (isDefault ? "" : ", other decoder"));
+    return reactive::finished(_answer);
   }
 
  private:
-  std::any _value;
-  int& _calls;
+  Answer _answer;
+  Lines& _asked;
 };
 
 class RESTNetworkServiceTest : public testing::Test {
@@ -101,7 +105,7 @@ class RESTNetworkServiceTest : public testing::Test {
         [&outcome](Value&& value) { outcome.values.push_back(std::move(value)); }));
   }
 
-  /// One whole call of each kind, answered with this.
+  /// A whole call, answered with this.
   Outcome<StatusCheckResponseBody> decodedWith(int status, const char* body) {
     session->answerAtOnce(status, body);
     Outcome<StatusCheckResponseBody> outcome;
@@ -252,14 +256,40 @@ TEST_F(RESTNetworkServiceTest, RunsAnewForEachSubscriptionAndOnTheMainQueueOnly)
   mainQueue.runReady();
   EXPECT_EQ(second.ends, 1);
   EXPECT_EQ(first.ends, 0);
+}
 
-  const auto other = std::make_shared<FakeURLSession>();
-  Outcome<Bytes> elsewhere;
-  collect(makeService().data(statusCheck, defaultDecoder(), other), elsewhere);
-  EXPECT_EQ(session->tasks.size(), 2u);
-  other->finish(0, 200, "abc");
+TEST_F(RESTNetworkServiceTest, SendsThroughTheGivenSessionAndKeepsItAsLongAsTheCallRuns) {
+  auto given = std::make_shared<FakeURLSession>();
+  const std::weak_ptr<FakeURLSession> watched = given;
+  const RESTNetworkService service = makeService();
+  Outcome<Bytes> bytes;
+  Outcome<StatusCheckResponseBody> record;
+  Outcome<reactive::Nothing> nothing;
+  Outcome<reactive::Nothing> uploaded;
+  collect(service.data(statusCheck, defaultDecoder(), given), bytes);
+  collect(service.decoded<StatusCheckResponseBody>(statusCheck, defaultDecoder(), given), record);
+  collect(service.perform(statusCheck, defaultDecoder(), given), nothing);
+  collect(service.perform(upload, defaultDecoder(), given), uploaded);
+  EXPECT_TRUE(session->tasks.empty());
+  ASSERT_EQ(given->tasks.size(), 4u);
+  given = nullptr;
+  for (std::size_t index = 0; index < 4; ++index) {
+    ASSERT_FALSE(watched.expired()) << index;
+    watched.lock()->finish(index, 200, R"({"status":"invited","expiration":"2030"})");
+    mainQueue.runReady();
+  }
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(bytes.values.size() + record.ends + nothing.values.size() + uploaded.values.size(), 4u);
+
+  EXPECT_EQ(record.failure, std::nullopt);
+
+  given = std::make_shared<FakeURLSession>();
+  const auto late = service.perform(upload, defaultDecoder(), given);
+  given = nullptr;
+  Outcome<reactive::Nothing> gone;
+  collect(late, gone);
   mainQueue.runReady();
-  EXPECT_EQ(elsewhere.values, (std::vector<Bytes>{{'a', 'b', 'c'}}));
+  EXPECT_EQ(gone.failure, RESTError::customError(URLError{URLError::Code::unknown, "the session is gone"}));
 }
 
 TEST_F(RESTNetworkServiceTest, EndsTheExchangeOfACancelledCall) {
@@ -283,12 +313,21 @@ TEST_F(RESTNetworkServiceTest, UploadsThroughAFileThatItRemoves) {
   session->finish(0, 200, "{}");
   mainQueue.runReady();
   EXPECT_EQ(done.values.size(), 1u);
-  EXPECT_GE(writer->removed.size(), 1u);
+  EXPECT_EQ(writer->removed, (Lines{"/tmp/uploads.B", "/tmp/uploads.B"})) << "at the answer and at the end";
+
+  writer->removed.clear();
+  Outcome<reactive::Nothing> refused;
+  collect(makeService().perform(upload, defaultDecoder()), refused);
+  session->finish(1, 500, "");
+  mainQueue.runReady();
+  EXPECT_TRUE(refused.failure);
+  EXPECT_EQ(writer->removed, (Lines{"/tmp/uploads.B"})) << "at the answer; a refusal ends the call there";
 
   writer->removed.clear();
   Outcome<reactive::Nothing> lost;
   collect(makeService().perform(upload, defaultDecoder()), lost);
-  session->fail(1, URLError::Code::networkConnectionLost);
+  session->fail(2, URLError::Code::networkConnectionLost);
+  EXPECT_EQ(lost.ends, 0) << "failures are told on the main queue as well";
   mainQueue.runReady();
   EXPECT_EQ(lost.failure, RESTError::noInternetConnection());
   EXPECT_EQ(writer->removed, (Lines{"/tmp/uploads.B"}));
@@ -297,7 +336,7 @@ TEST_F(RESTNetworkServiceTest, UploadsThroughAFileThatItRemoves) {
   {
     auto token = makeService().perform(upload, defaultDecoder()).sink([](auto&&) {}, [](reactive::Nothing&&) {});
   }
-  EXPECT_TRUE(session->tasks[2]->isCancelled);
+  EXPECT_TRUE(session->tasks[3]->isCancelled);
   EXPECT_TRUE(writer->removed.empty());
 
   const tests::RecordedLog log;
@@ -306,7 +345,7 @@ TEST_F(RESTNetworkServiceTest, UploadsThroughAFileThatItRemoves) {
   collect(makeService().perform(upload, defaultDecoder()), unwritten);
   mainQueue.runReady();
   EXPECT_EQ(unwritten.failure, RESTError::unknown());
-  EXPECT_EQ(session->tasks.size(), 3u);
+  EXPECT_EQ(session->tasks.size(), 4u);
   ASSERT_EQ(log.lines().size(), 3u);
   EXPECT_EQ(log.lines()[1], "[KestromSDK] Cannot create a multipart data file for upload request");
 }
@@ -349,25 +388,62 @@ TEST_F(RESTNetworkServiceTest, KeepsWhatTheUserGaveOutOfTheLog) {
 }
 
 TEST_F(RESTNetworkServiceTest, AsksTheHandlersInOrderUntilOneRecovers) {
-  int calls = 0;
-  int laterCalls = 0;
+  Lines asked;
   const StatusCheckResponseBody kValue{"e", "s"};
+  const auto handler = [&](RecordingHandler::Answer answer) {
+    return std::make_shared<RecordingHandler>(std::move(answer), asked);
+  };
   session->answerAtOnce(500, "");
   Outcome<StatusCheckResponseBody> recovered;
-  collect(makeService({std::make_shared<GenericErrorHandler>(), std::make_shared<RecoveringHandler>(kValue, calls),
-                       std::make_shared<RecoveringHandler>(kValue, laterCalls)})
-              .decoded<StatusCheckResponseBody>(statusCheck, defaultDecoder()),
-          recovered);
+  collect(
+      makeService({std::make_shared<GenericErrorHandler>(), handler(std::unexpected(RESTError::noInternetConnection())),
+                   handler(std::any(kValue)), handler(std::any(kValue))})
+          .decoded<StatusCheckResponseBody>(statusCheck, defaultDecoder()),
+      recovered);
+  EXPECT_EQ(recovered.ends, 0) << "what a handler gives comes on the main queue as well";
   mainQueue.runReady();
   EXPECT_EQ(recovered.values, std::vector{kValue});
-  EXPECT_EQ(calls, 1);
-  EXPECT_EQ(laterCalls, 0);
+  EXPECT_EQ(asked, (Lines{"RESTError.wrongStatusResponse(500, no APIError) of /kestroms/status-check",
+                          "RESTError.noInternetConnection of /kestroms/status-check"}));
 
   Outcome<Bytes> mistaken;
-  collect(makeService({std::make_shared<RecoveringHandler>(kValue, calls)}).data(statusCheck, defaultDecoder()),
-          mistaken);
+  Outcome<reactive::Nothing> mistakenToo;
+  collect(makeService({handler(std::any(kValue))}).data(statusCheck, defaultDecoder()), mistaken);
+  collect(makeService({handler(std::any(kValue))}).perform(statusCheck, defaultDecoder()), mistakenToo);
   mainQueue.runReady();
   EXPECT_EQ(mistaken.failure, RESTError::unknown());
+  EXPECT_EQ(mistakenToo.failure, RESTError::unknown());
+}
+
+struct Dated {
+  foundation::Date date;
+};
+
+}  // namespace
+}  // namespace kestrom::services
+
+namespace kestrom::foundation {
+
+template <>
+struct Coding<services::Dated> {
+  static constexpr std::array kFields{field<&services::Dated::date>("date")};
+};
+
+}  // namespace kestrom::foundation
+
+namespace kestrom::services {
+namespace {
+
+TEST(JSONDecoders, TakeEachItsOwnFormOfDates) {
+  const std::string kDefault = R"({"date":"2024-02-03 10:20:30"})";
+  const std::string kAnswers = R"({"date":"2024-02-03T10:20:30.250+0000"})";
+  const JSONDecoder answers = answersDecoder(URL::fromFilePath("/documents"));
+  EXPECT_TRUE(foundation::decodeJSON<Dated>(kDefault, defaultDecoder()));
+  EXPECT_FALSE(foundation::decodeJSON<Dated>(kAnswers, defaultDecoder()));
+  EXPECT_FALSE(foundation::decodeJSON<Dated>(kDefault, answers));
+  const auto read = foundation::decodeJSON<Dated>(kAnswers, answers);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->date, foundation::Date::fromSecondsSince1970(1'706'955'630.25));
 }
 
 }  // namespace
