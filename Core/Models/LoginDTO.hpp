@@ -14,6 +14,16 @@ struct MobileLoginRequestBody {
   friend bool operator==(const MobileLoginRequestBody&, const MobileLoginRequestBody&) = default;
 };
 
+/// What a sign-in gives.
+struct MobileLoginResponseBody {
+  /// The bearer token. Opaque to the kit.
+  std::string token;
+  std::string organizationId;
+  std::string kestromId;
+
+  friend bool operator==(const MobileLoginResponseBody&, const MobileLoginResponseBody&) = default;
+};
+
 /// The consent to the terms.
 struct UserConsentBody {
   std::string termsDocumentVersion;
@@ -33,6 +43,15 @@ struct Coding<models::MobileLoginRequestBody> {
   static constexpr std::array kFields{
       field<&models::MobileLoginRequestBody::accessCode>("accessCode"),
       field<&models::MobileLoginRequestBody::zipCode>("zipCode"),
+  };
+};
+
+template <>
+struct Coding<models::MobileLoginResponseBody> {
+  static constexpr std::array kFields{
+      field<&models::MobileLoginResponseBody::token>("token"),
+      field<&models::MobileLoginResponseBody::organizationId>("organizationId"),
+      field<&models::MobileLoginResponseBody::kestromId>("kestromId"),
   };
 };
 

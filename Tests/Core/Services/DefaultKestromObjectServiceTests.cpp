@@ -1,6 +1,7 @@
 #include "Core/Services/DefaultKestromObjectService.hpp"
 
 #include "Core/SDK/ProcessValues.hpp"
+#include "Tests/Support/CaseSamples.hpp"
 #include "Tests/Support/Collected.hpp"
 #include "Tests/Support/FakeAnswerService.hpp"
 #include "Tests/Support/TestREST.hpp"
@@ -18,14 +19,9 @@ namespace {
 
 using models::KestromObjectDetails;
 using networking::URLError;
+using tests::kBot;
+using tests::kCase;
 using Details = tests::Collected<KestromObjectDetails, RESTError>;
-
-constexpr std::string_view kCase =
-    R"({"_id":"c1","customer":{"email":"a@b.c","lastName":"Brook","firstName":"Ada"},)"
-    R"("property":{"country":"US","zipCode":"05401","state":"VT","city":"Burlington","streetAddress2":"Unit B",)"
-    R"("streetAddress1":"12 Maple Street"},"bot":{"_id":"b1","name":"Home"},"accessCode":"K7M","organizationId":"o1",)"
-    R"("status":"in_progress","policy":{"itemLimit":2500}})";
-constexpr std::string_view kBot = R"({"sequence":[{"type":"module","key":"k","id":"m1"}]})";
 
 /// The case with one piece of its text exchanged.
 std::string caseWith(std::string_view piece, std::string_view replacement) {
