@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -100,6 +101,12 @@ std::optional<BotAnswer> answerOfAPerson(const services::Conversation& conversat
   if (const auto* single = std::get_if<SingleSelectionMessage>(&last)) return chosen(*single, draw);
   if (const auto* multiple = std::get_if<MultipleSelectionMessage>(&last)) return chosen(*multiple, draw);
   return std::nullopt;
+}
+
+std::optional<BotAnswer> scriptedAnswer(const services::Conversation& conversation) {
+  std::minstd_rand random(static_cast<unsigned>(conversation.messages.size() + 1));
+  random.discard(8);
+  return answerOfAPerson(conversation, [&](std::size_t bound) { return random() % bound; });
 }
 
 }  // namespace kestrom::tests

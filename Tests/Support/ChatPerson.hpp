@@ -16,4 +16,7 @@ using Draw = std::function<std::size_t(std::size_t)>;
 /// an address on the web, as if they had been uploaded. The moment is left for the caller.
 std::optional<models::BotAnswer> answerOfAPerson(const services::Conversation& conversation, const Draw& draw);
 
+/// The answer of somebody who says the same at the same point of a conversation, whenever that is.
+std::optional<models::BotAnswer> scriptedAnswer(const services::Conversation& conversation);
+
 }  // namespace kestrom::tests

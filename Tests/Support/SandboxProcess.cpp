@@ -33,6 +33,15 @@ std::optional<std::string> valueOf(std::string_view line, std::string_view name)
 }  // namespace
 
 SandboxProcess::SandboxProcess(const std::optional<std::string>& faults) : _folder(makeFolder()) {
+  start(faults);
+}
+
+void SandboxProcess::restart(const std::optional<std::string>& faults) {
+  stop();
+  start(faults);
+}
+
+void SandboxProcess::start(const std::optional<std::string>& faults) {
   std::vector<std::string> arguments{KESTROM_SANDBOX_PROGRAM, "--port",     "0", "--state", _folder, "--seed",
                                      KESTROM_SANDBOX_SEED,    "--print-env"};
   if (faults) {
@@ -58,6 +67,7 @@ SandboxProcess::SandboxProcess(const std::optional<std::string>& faults) : _fold
     _exit(1);
   }
   close(ends[1]);
+  _address.clear();
   readSettings(ends[0]);
   close(ends[0]);
   if (_address.empty()) {
@@ -105,8 +115,16 @@ std::vector<std::string> SandboxProcess::requestLog() const {
 }
 
 void SandboxProcess::stop() {
+  end(SIGTERM);
+}
+
+void SandboxProcess::kill() {
+  end(SIGKILL);
+}
+
+void SandboxProcess::end(int signal) {
   if (_process < 0) return;
-  kill(_process, SIGTERM);
+  ::kill(_process, signal);
   while (waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
   }
   _process = -1;

@@ -27,8 +27,14 @@ class SandboxProcess {
   std::vector<std::string> requestLog() const;
   /// Ends the server now.
   void stop();
+  /// Ends the server as a crash does.
+  void kill();
+  /// Starts the server again, on the same state and another port, with these faults.
+  void restart(const std::optional<std::string>& faults = std::nullopt);
 
  private:
+  void start(const std::optional<std::string>& faults);
+  void end(int signal);
   void readSettings(int descriptor);
 
   std::filesystem::path _folder;
