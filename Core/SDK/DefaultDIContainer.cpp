@@ -1,7 +1,11 @@
 #include "Core/SDK/DefaultDIContainer.hpp"
 
 #include "Core/SDK/SDKStore.hpp"
+#include "Core/Services/Bot/DefaultBotEngine.hpp"
+#include "Core/Services/Bot/NativeBotEngine.hpp"
+#include "Core/Services/DefaultAuthenticationService.hpp"
 #include "Core/Services/DefaultKestromObjectService.hpp"
+#include "Core/Services/DefaultUserService.hpp"
 #include "Core/Services/Device/DefaultDeviceDataService.hpp"
 #include "Core/Services/Device/DefaultLocationService.hpp"
 #include "Core/Services/Events/DefaultEventFeedService.hpp"
@@ -10,10 +14,37 @@
 #include "Core/Services/Networking/REST/ErrorHandlers/GenericErrorHandler.hpp"
 #include "Core/Services/Networking/REST/RESTNetworkService.hpp"
 #include "Core/Services/Networking/REST/StandardRequestInserter.hpp"
+#include "Core/UseCases/DefaultLoginUseCase.hpp"
 #include "Core/UseCases/DefaultPostKestromEventUseCase.hpp"
+#include "Core/UseCases/DefaultSetEventUserUseCase.hpp"
 #include "Core/UseCases/DefaultStatusCheckUseCase.hpp"
+#include "Core/UseCases/DefaultUpdateUserProfileUseCase.hpp"
+#include "Platform/Reactive/Sources.hpp"
 
 namespace kestrom::sdk {
+
+namespace {
+
+/// FIXME: the service that sends and keeps answers is not wired yet. Meanwhile there is no history, and each submission
+/// fails.
+class NoAnswerService final : public services::AnswerService {
+ public:
+  reactive::Publisher<bool, services::AnyError> submit(const models::BotAnswer&,
+                                                       const models::KestromObjectDetails&) override {
+    return reactive::fail<bool>(services::AnyError(services::DatabaseError::unknown));
+  }
+  reactive::Publisher<std::vector<models::BotAPIAnswerDTO>, reactive::Never> answersHistory(
+      const models::KestromObjectDetails&) override {
+    return reactive::just(std::vector<models::BotAPIAnswerDTO>());
+  }
+  reactive::Publisher<std::vector<models::BotAnswer>, services::DatabaseError> unsyncedAnswers(
+      const models::KestromObjectDetails&) override {
+    return reactive::just<services::DatabaseError>(std::vector<models::BotAnswer>());
+  }
+  void clearCachedAnswers(const models::KestromObjectDetails&) override {}
+};
+
+}  // namespace
 
 DefaultDIContainer::DefaultDIContainer(const Platform& platform)
     : _platform(platform),
@@ -37,9 +68,16 @@ std::shared_ptr<const services::RESTService> DefaultDIContainer::makeRESTService
   });
 }
 
+std::shared_ptr<services::AnswerService> DefaultDIContainer::makeAnswerService() const {
+  return std::make_shared<NoAnswerService>();
+}
+
+std::unique_ptr<usecases::SetEventUserUseCase> DefaultDIContainer::makeSetEventUserUseCase() const {
+  return std::make_unique<usecases::DefaultSetEventUserUseCase>(_eventFeedService);
+}
+
 std::unique_ptr<usecases::StatusCheckUseCase> DefaultDIContainer::makeStatusCheckUseCase() const {
-  return std::make_unique<usecases::DefaultStatusCheckUseCase>(
-      std::make_shared<services::DefaultKestromObjectService>(makeRESTService(), nullptr, services::defaultDecoder()));
+  return std::make_unique<usecases::DefaultStatusCheckUseCase>(makeKestromObjectService());
 }
 
 std::unique_ptr<usecases::PostKestromEventUseCase> DefaultDIContainer::makePostKestromEventUseCase() const {
@@ -51,6 +89,36 @@ std::unique_ptr<usecases::PostKestromEventUseCase> DefaultDIContainer::makePostK
       .locationService = _locationService,
       .longLivingCancellables = _longLivingCancellables,
       .mainQueue = *_platform.mainQueue,
+      .clock = *_platform.clock,
+  });
+}
+
+std::unique_ptr<services::KestromObjectService> DefaultDIContainer::makeKestromObjectService() const {
+  return std::make_unique<services::DefaultKestromObjectService>(makeRESTService(), makeAnswerService(),
+                                                                 services::defaultDecoder());
+}
+
+std::unique_ptr<usecases::LoginUseCase> DefaultDIContainer::makeLoginUseCase() const {
+  return std::make_unique<usecases::DefaultLoginUseCase>(usecases::DefaultLoginUseCase::Parts{
+      .authService = std::make_shared<services::DefaultAuthenticationService>(makeRESTService()),
+      .kestromService = makeKestromObjectService(),
+      .store = _store,
+      .updateUserProfileUseCase = std::make_shared<usecases::DefaultUpdateUserProfileUseCase>(
+          std::make_shared<services::DefaultUserService>(makeRESTService())),
+      .setEventUserUseCase = makeSetEventUserUseCase(),
+      .postKestromEventUseCase = makePostKestromEventUseCase(),
+  });
+}
+
+std::unique_ptr<services::BotEngine> DefaultDIContainer::makeBotEngine(
+    const models::KestromObjectDetails& kestromObject) const {
+  return std::make_unique<services::DefaultBotEngine>(services::DefaultBotEngine::Parts{
+      .kestromObject = kestromObject,
+      .chatbot = std::make_shared<services::NativeBotEngine>([&clock = *_platform.clock] { return clock.now(); }),
+      .answerService = makeAnswerService(),
+      .handlebarParser = services::HandleBarParser(kestromObject.rawJSON),
+      .imageCodec = std::make_shared<imaging::NoImageCodec>(),
+      .documentsDirectory = _platform.fileManager->documentsDirectory(),
       .clock = *_platform.clock,
   });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Services/Bot/BotEngine.hpp"
 #include "Core/Services/Device/LocationService.hpp"
 #include "Core/Services/Networking/REST/RESTService.hpp"
 #include "Core/UseCases/LongLivingCancellables.hpp"
@@ -7,6 +8,10 @@
 #include "UI/Navigation/DIContainer.hpp"
 
 #include <memory>
+
+namespace kestrom::services {
+class AnswerService;
+}
 
 namespace kestrom::sdk {
 
@@ -19,11 +24,18 @@ class DefaultDIContainer final : public ui::DIContainer {
   services::EventFeedService& eventFeedService() const override { return *_eventFeedService; }
   services::UserSessionTracker& userSessionTracker() const override { return *_userSessionTracker; }
 
+  std::unique_ptr<usecases::SetEventUserUseCase> makeSetEventUserUseCase() const override;
   std::unique_ptr<usecases::StatusCheckUseCase> makeStatusCheckUseCase() const override;
   std::unique_ptr<usecases::PostKestromEventUseCase> makePostKestromEventUseCase() const override;
+  std::unique_ptr<services::KestromObjectService> makeKestromObjectService() const override;
+  std::unique_ptr<usecases::LoginUseCase> makeLoginUseCase() const override;
+
+  /// The conversation of a case, for the use cases of one chat to share.
+  std::unique_ptr<services::BotEngine> makeBotEngine(const models::KestromObjectDetails& kestromObject) const;
 
  private:
   std::shared_ptr<const services::RESTService> makeRESTService() const;
+  std::shared_ptr<services::AnswerService> makeAnswerService() const;
 
   const Platform& _platform;
   std::shared_ptr<usecases::LongLivingCancellables> _longLivingCancellables;
