@@ -1,8 +1,11 @@
 #include "Core/SDK/DefaultDIContainer.hpp"
 
 #include "Core/SDK/SDKStore.hpp"
+#include "Core/Services/Bot/DefaultAnswerService.hpp"
 #include "Core/Services/Bot/DefaultBotEngine.hpp"
 #include "Core/Services/Bot/NativeBotEngine.hpp"
+#include "Core/Services/Cache/DefaultJSONCache.hpp"
+#include "Core/Services/Cache/SystemFileManager.hpp"
 #include "Core/Services/DefaultAuthenticationService.hpp"
 #include "Core/Services/DefaultKestromObjectService.hpp"
 #include "Core/Services/DefaultUserService.hpp"
@@ -19,32 +22,8 @@
 #include "Core/UseCases/DefaultSetEventUserUseCase.hpp"
 #include "Core/UseCases/DefaultStatusCheckUseCase.hpp"
 #include "Core/UseCases/DefaultUpdateUserProfileUseCase.hpp"
-#include "Platform/Reactive/Sources.hpp"
 
 namespace kestrom::sdk {
-
-namespace {
-
-/// FIXME: the service that sends and keeps answers is not wired yet. Meanwhile there is no history, and each submission
-/// fails.
-class NoAnswerService final : public services::AnswerService {
- public:
-  reactive::Publisher<bool, services::AnyError> submit(const models::BotAnswer&,
-                                                       const models::KestromObjectDetails&) override {
-    return reactive::fail<bool>(services::AnyError(services::DatabaseError::unknown));
-  }
-  reactive::Publisher<std::vector<models::BotAPIAnswerDTO>, reactive::Never> answersHistory(
-      const models::KestromObjectDetails&) override {
-    return reactive::just(std::vector<models::BotAPIAnswerDTO>());
-  }
-  reactive::Publisher<std::vector<models::BotAnswer>, services::DatabaseError> unsyncedAnswers(
-      const models::KestromObjectDetails&) override {
-    return reactive::just<services::DatabaseError>(std::vector<models::BotAnswer>());
-  }
-  void clearCachedAnswers(const models::KestromObjectDetails&) override {}
-};
-
-}  // namespace
 
 DefaultDIContainer::DefaultDIContainer(const Platform& platform)
     : _platform(platform),
@@ -69,7 +48,16 @@ std::shared_ptr<const services::RESTService> DefaultDIContainer::makeRESTService
 }
 
 std::shared_ptr<services::AnswerService> DefaultDIContainer::makeAnswerService() const {
-  return std::make_shared<NoAnswerService>();
+  const foundation::URL documentsDirectory = _platform.fileManager->documentsDirectory();
+  return std::make_shared<services::DefaultAnswerService>(services::DefaultAnswerService::Parts{
+      .restService = makeRESTService(),
+      .cache = std::make_shared<services::DefaultJSONCache>(
+          std::make_shared<services::SystemFileManager>(_platform.fileManager),
+          foundation::DecodingOptions{.documentsDirectory = documentsDirectory},
+          foundation::DateStrategy::secondsSinceReferenceDate),
+      .underWay = _answersUnderWay,
+      .documentsDirectory = documentsDirectory,
+  });
 }
 
 std::unique_ptr<usecases::SetEventUserUseCase> DefaultDIContainer::makeSetEventUserUseCase() const {

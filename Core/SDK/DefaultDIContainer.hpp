@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Core/Services/Bot/AnswerService.hpp"
+#include "Core/Services/Bot/AnswersUnderWay.hpp"
 #include "Core/Services/Bot/BotEngine.hpp"
 #include "Core/Services/Device/LocationService.hpp"
 #include "Core/Services/Networking/REST/RESTService.hpp"
@@ -8,10 +10,6 @@
 #include "UI/Navigation/DIContainer.hpp"
 
 #include <memory>
-
-namespace kestrom::services {
-class AnswerService;
-}
 
 namespace kestrom::sdk {
 
@@ -33,13 +31,17 @@ class DefaultDIContainer final : public ui::DIContainer {
   /// The conversation of a case, for the use cases of one chat to share.
   std::unique_ptr<services::BotEngine> makeBotEngine(const models::KestromObjectDetails& kestromObject) const;
 
+  std::shared_ptr<services::AnswerService> makeAnswerService() const;
+  /// What the answer services of all screens have under way.
+  const services::AnswersUnderWay& answersUnderWay() const { return *_answersUnderWay; }
+
  private:
   std::shared_ptr<const services::RESTService> makeRESTService() const;
-  std::shared_ptr<services::AnswerService> makeAnswerService() const;
 
   const Platform& _platform;
   std::shared_ptr<usecases::LongLivingCancellables> _longLivingCancellables;
   std::shared_ptr<session::SessionStore> _store;
+  std::shared_ptr<services::AnswersUnderWay> _answersUnderWay = std::make_shared<services::AnswersUnderWay>();
   std::shared_ptr<services::EventFeedService> _eventFeedService;
   std::shared_ptr<services::LocationService> _locationService;
   std::shared_ptr<services::UserSessionTracker> _userSessionTracker;

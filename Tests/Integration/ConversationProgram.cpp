@@ -11,8 +11,8 @@
 #include "Core/SDK/ProcessValues.hpp"
 #include "Core/Services/Cache/CacheUnique.hpp"
 #include "Kestrom/Platform/LinuxPlatform.hpp"
-#include "Tests/Support/OutcomeNow.hpp"
 #include "Tests/Support/ChatPerson.hpp"
+#include "Tests/Support/OutcomeNow.hpp"
 
 #include <csignal>
 #include <cstdio>
@@ -56,10 +56,11 @@ class Host {
   void answerAll(int count) {
     _count = count;
     _engine = _container.makeBotEngine(_case);
-    _tokens.store(_engine->start().sink([](auto&&) {}, [this](BotEngine::Result&& started) {
-      _result = std::move(started);
-      answerNext();
-    }));
+    _tokens.store(_engine->start().sink([](auto&&) {},
+                                        [this](BotEngine::Result&& started) {
+                                          _result = std::move(started);
+                                          answerNext();
+                                        }));
   }
 
   void printHistory() {
@@ -78,9 +79,8 @@ class Host {
     auto answer = tests::scriptedAnswer(_result.conversation);
     if (!answer) return _result.isCompleted ? deliver() : exit(1);
     answer->timestamp = _platform.clock->now();
-    _tokens.store(_engine->submit({*answer, true, false}).sink([](auto&&) {}, [this](BotEngine::Result&& walked) {
-      _result = std::move(walked);
-    }));
+    _tokens.store(_engine->submit({*answer, true, false})
+                      .sink([](auto&&) {}, [this](BotEngine::Result&& walked) { _result = std::move(walked); }));
     std::printf("answered %d\n", ++_answered);
     std::fflush(stdout);
     if (_answered == _count) std::raise(SIGKILL);
