@@ -97,10 +97,9 @@ std::shared_ptr<NavigationController> KestromSDK::Parts::makeFlow(std::optional<
   auto flowCompletion = [weakCoordinator, container = diContainer] {
     const auto current = weakCoordinator.lock();
     if (!current) return;
-    // Without the coordinator this very callback is gone, so it keeps what it still needs.
-    const auto made = container->makePostKestromEventUseCase();
+    // The coordinator holds this very callback, so it stays until the end of it.
     const auto ended = std::exchange(*current, nullptr);
-    made->execute({usecases::InternalEventTrigger::SDKClosed{}});
+    container->makePostKestromEventUseCase()->execute({usecases::InternalEventTrigger::SDKClosed{}});
   };
   auto rootController = std::make_shared<NavigationController>();
   auto coordinator = makeCoordinator({
