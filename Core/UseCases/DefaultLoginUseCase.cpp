@@ -19,20 +19,13 @@ using session::SessionStore;
 
 namespace {
 
-void takeToken(SessionStore& store, const MobileLoginResponseBody& response) {
-  store.modifyUser([&](KestromUser& user) {
-    user.token = response.token;
-    user.currentKestromInfo = KestromInfo{response.organizationId, response.kestromId};
-  });
-}
-
 std::expected<KestromInfo, RESTError> openedCase(const SessionStore& store) {
   auto info = store.user().currentKestromInfo;
   if (!info) return std::unexpected(RESTError::customError(LoginError::missingKestromId));
   return std::move(*info);
 }
 
-/// The same case, when the server has heard of it or has failed to.
+/// The same case once the profile's call is over, however it ended.
 Publisher<KestromObjectDetails, reactive::Never> saveProfile(const UpdateUserProfileUseCase& update,
                                                              const KestromObjectDetails& details) {
   return update.execute(details.organizationId, details.id).replaceError(Nothing{}).map([details](Nothing) {
@@ -43,26 +36,33 @@ Publisher<KestromObjectDetails, reactive::Never> saveProfile(const UpdateUserPro
 }  // namespace
 
 Publisher<KestromObjectDetails, RESTError> DefaultLoginUseCase::execute(Request request) {
-  return _parts->authService->login({.accessCode = request.accessCode, .zipCode = std::move(request.zipCode)})
-      .handleEvents({.onOutput = [parts = _parts](
-                                     const MobileLoginResponseBody& response) { takeToken(*parts->store, response); }})
-      .tryMap([parts = _parts](MobileLoginResponseBody&&) { return openedCase(*parts->store); })
-      .handleEvents({.onOutput =
-                         [parts = _parts, accessCode = std::move(request.accessCode)](const KestromInfo&) {
-                           parts->store->modifyUser([&](KestromUser& user) { user.accessCode = accessCode; });
-                         }})
-      .flatMap([parts = _parts](KestromInfo&& info) { return parts->kestromService->get(info.kestromId); })
-      .handleEvents(
-          {.onOutput =
-               [parts = _parts](const KestromObjectDetails& details) { parts->setEventUserUseCase->execute(details); }})
-      .flatMap([parts = _parts](KestromObjectDetails&& details) {
-        return saveProfile(*parts->updateUserProfileUseCase, details);
+  const auto takeToken = [store = _parts.store](const MobileLoginResponseBody& response) {
+    store->modifyUser([&](KestromUser& user) {
+      user.token = response.token;
+      user.currentKestromInfo = KestromInfo{response.organizationId, response.kestromId};
+    });
+  };
+  const auto takeAccessCode = [store = _parts.store, accessCode = request.accessCode](const KestromInfo&) {
+    store->modifyUser([&](KestromUser& user) { user.accessCode = accessCode; });
+  };
+  const auto setEventUser = [useCase = _parts.setEventUserUseCase](const KestromObjectDetails& details) {
+    useCase->execute(details);
+  };
+  const auto postLogin = [useCase = _parts.postKestromEventUseCase,
+                          isDeeplink = request.isDeeplink](const KestromObjectDetails& details) {
+    useCase->execute({InternalEventTrigger::UserLoggedIn{details.analyticUser.status, isDeeplink}});
+  };
+
+  return _parts.authService->login({.accessCode = request.accessCode, .zipCode = request.zipCode})
+      .handleEvents({.onOutput = takeToken})
+      .tryMap([store = _parts.store](MobileLoginResponseBody&&) { return openedCase(*store); })
+      .handleEvents({.onOutput = takeAccessCode})
+      .flatMap([service = _parts.kestromService](KestromInfo&& info) { return service->get(info.kestromId); })
+      .handleEvents({.onOutput = setEventUser})
+      .flatMap([useCase = _parts.updateUserProfileUseCase](KestromObjectDetails&& details) {
+        return saveProfile(*useCase, details);
       })
-      .handleEvents(
-          {.onOutput = [parts = _parts, isDeeplink = request.isDeeplink](const KestromObjectDetails& details) {
-            parts->postKestromEventUseCase->execute(
-                {InternalEventTrigger::UserLoggedIn{details.analyticUser.status, isDeeplink}});
-          }});
+      .handleEvents({.onOutput = postLogin});
 }
 
 }  // namespace kestrom::usecases

@@ -24,12 +24,12 @@ class DefaultLoginUseCase final : public LoginUseCase {
     std::shared_ptr<PostKestromEventUseCase> postKestromEventUseCase;
   };
 
-  explicit DefaultLoginUseCase(Parts parts) : _parts(std::make_shared<const Parts>(std::move(parts))) {}
+  explicit DefaultLoginUseCase(Parts parts) : _parts(std::move(parts)) {}
 
   reactive::Publisher<models::KestromObjectDetails, services::RESTError> execute(Request request) override;
 
  private:
-  std::shared_ptr<const Parts> _parts;
+  Parts _parts;
 };
 
 }  // namespace kestrom::usecases
