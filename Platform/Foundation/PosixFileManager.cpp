@@ -40,7 +40,8 @@ std::expected<void, FileError> makeDirectory(const std::string& path, bool withI
   std::error_code ignored;
   if (code == EEXIST && withIntermediateDirectories && std::filesystem::is_directory(path, ignored)) return {};
   if (code != 0) return std::unexpected(posixError(path, code));
-  return {};
+  // What is put into it later is on the disk only if it is.
+  return synchronizeDirectoryOf(path);
 }
 
 /// Fills a temporary file and gives it the name `path`.

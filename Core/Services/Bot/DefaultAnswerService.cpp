@@ -101,7 +101,8 @@ Publisher<bool, AnyError> DefaultAnswerService::submit(const BotAnswer& answer, 
         return submission->keep(false).map([](Nothing) { return false; });
       })
       .handleEvents({.onOutput = [submission](bool) { submission->end(); },
-                     .onCompletion = [submission](const reactive::Completion<AnyError>&) { submission->end(); }});
+                     .onCompletion = [submission](const reactive::Completion<AnyError>&) { submission->end(); },
+                     .onCancel = [submission] { submission->end(); }});
 }
 
 Publisher<Answers, Never> DefaultAnswerService::answersHistory(const KestromObjectDetails& kestrom) {

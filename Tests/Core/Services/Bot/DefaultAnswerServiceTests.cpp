@@ -224,6 +224,12 @@ TEST_F(DefaultAnswerServiceTest, LeavesWhatItWasNotToldTheEndOf) {
   cancelled = nullptr;
   EXPECT_FALSE(underWay->contains(CacheFilename::answers("organization", "case"), "mmodule0"));
   EXPECT_EQ(file(), Seen{"m one kept"});
+
+  // The publisher may be held by others, on any thread.
+  const auto publisher = service->submit(chosenAnswer("m", "two"), someCase());
+  EXPECT_TRUE(underWay->contains(CacheFilename::answers("organization", "case"), "mmodule0"));
+  publisher.sink([](auto&&) {}, [](bool) {}).cancel();
+  EXPECT_FALSE(underWay->contains(CacheFilename::answers("organization", "case"), "mmodule0"));
 }
 
 TEST_F(DefaultAnswerServiceTest, CountsFilesOfTheDeviceAsNotDelivered) {
