@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Models/ChatInputTrigger.hpp"
+#include "Kestrom/KestromEvent.hpp"
 #include "Kestrom/Platform/Date.hpp"
 #include "Kestrom/Platform/URL.hpp"
 #include "Platform/Imaging/Image.hpp"
@@ -12,18 +13,6 @@
 #include <vector>
 
 namespace kestrom::models {
-
-/// What analytics are told of a question or an answer.
-struct EventMessageDetails {
-  std::string message;
-  std::string messageType;
-  std::string moduleKey;
-  std::string messageKey;
-  /// "beginning", "middle" or "end" of the inspection.
-  std::string phase;
-
-  friend bool operator==(const EventMessageDetails&, const EventMessageDetails&) = default;
-};
 
 /// The phase of the inspection that a module belongs to.
 std::string phaseOfModule(const std::string& moduleKey);

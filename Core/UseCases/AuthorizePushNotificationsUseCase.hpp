@@ -4,6 +4,7 @@
 
 namespace kestrom::usecases {
 
+/// Asks whether the host may send notifications.
 class AuthorizePushNotificationsUseCase {
  public:
   virtual ~AuthorizePushNotificationsUseCase() = default;

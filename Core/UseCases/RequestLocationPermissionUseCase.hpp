@@ -4,6 +4,7 @@
 
 namespace kestrom::usecases {
 
+/// Asks whether the kit may look where the device is.
 class RequestLocationPermissionUseCase {
  public:
   virtual ~RequestLocationPermissionUseCase() = default;

@@ -7,6 +7,7 @@
 
 namespace kestrom::usecases {
 
+/// Finds out where the device is, as far as its owner lets it.
 class RequestPermissionAndGetCoordinatesUseCase {
  public:
   virtual ~RequestPermissionAndGetCoordinatesUseCase() = default;

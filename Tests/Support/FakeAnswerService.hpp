@@ -33,7 +33,7 @@ class FakeAnswerService final : public services::AnswerService {
       const models::KestromObjectDetails&) override {
     return reactive::just<services::DatabaseError>(std::vector<models::BotAnswer>());
   }
-  void clearCachedAnswers(const models::KestromObjectDetails& kestrom) override { cleared.push_back(kestrom.id); }
+  void clearCachedAnswers(const models::KestromObjectDetails& kestrom) override { cleared.push_back(kestrom.organizationId + "/" + kestrom.id); }
 
   std::vector<models::BotAPIAnswerDTO> history;
   /// Those that somebody subscribed to.
@@ -42,6 +42,7 @@ class FakeAnswerService final : public services::AnswerService {
   int cancelled = 0;
   /// The outcome of all submissions that wait for theirs.
   reactive::PassthroughSubject<bool, services::AnyError> outcomes;
+  /// As "organization/case".
   std::vector<std::string> cleared;
 };
 

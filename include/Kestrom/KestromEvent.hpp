@@ -50,6 +50,7 @@ struct EventMessageDetails {
   std::string messageType;
   std::string moduleKey;
   std::string messageKey;
+  /// "beginning", "middle" or "end" of the inspection.
   std::string phase;
 
   friend bool operator==(const EventMessageDetails&, const EventMessageDetails&) = default;

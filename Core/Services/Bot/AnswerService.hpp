@@ -21,7 +21,7 @@ class AnswerService {
   virtual reactive::Publisher<bool, AnyError> submit(const models::BotAnswer& answer,
                                                      const models::KestromObjectDetails& kestrom) = 0;
 
-  /// The record of the case, the server's or the device's, whichever is to be believed.
+  /// The record of the case, the server's or the device's, whichever is to be believed; at each subscription anew.
   virtual reactive::Publisher<std::vector<models::BotAPIAnswerDTO>, reactive::Never> answersHistory(
       const models::KestromObjectDetails& kestrom) = 0;
 

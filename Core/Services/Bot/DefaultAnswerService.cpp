@@ -85,6 +85,20 @@ bool serverKnowsMore(const Answers& server, const Answers& device) {
   return newest(server) > newest(device) || server.size() > device.size();
 }
 
+/// Both lists as they are now, of which one is believed.
+Publisher<Answers, Never> history(const DefaultAnswerService::Parts& parts, const KestromObjectDetails& kestrom) {
+  auto onServer = parts.restService
+                      ->decoded<AnswersHistoryResponse>(AnswerRESTRequest::getHistory(kestrom.id),
+                                                        answersDecoder(parts.documentsDirectory))
+                      .map([](AnswersHistoryResponse&& response) { return std::move(response.answers); })
+                      .replaceError({});
+  auto onDevice = parts.cache->load<BotAPIAnswerDTO>(fileOf(kestrom)).replaceError({});
+  return reactive::combineLatest(std::move(onServer), std::move(onDevice)).map([](std::pair<Answers, Answers>&& both) {
+    auto& [server, device] = both;
+    return std::move(serverKnowsMore(server, device) ? server : device);
+  });
+}
+
 }  // namespace
 
 Publisher<bool, AnyError> DefaultAnswerService::submit(const BotAnswer& answer, const KestromObjectDetails& kestrom) {
@@ -106,16 +120,7 @@ Publisher<bool, AnyError> DefaultAnswerService::submit(const BotAnswer& answer, 
 }
 
 Publisher<Answers, Never> DefaultAnswerService::answersHistory(const KestromObjectDetails& kestrom) {
-  auto onServer = _parts.restService
-                      ->decoded<AnswersHistoryResponse>(AnswerRESTRequest::getHistory(kestrom.id),
-                                                        answersDecoder(_parts.documentsDirectory))
-                      .map([](AnswersHistoryResponse&& response) { return std::move(response.answers); })
-                      .replaceError({});
-  auto onDevice = _parts.cache->load<BotAPIAnswerDTO>(fileOf(kestrom)).replaceError({});
-  return reactive::combineLatest(std::move(onServer), std::move(onDevice)).map([](std::pair<Answers, Answers>&& both) {
-    auto& [server, device] = both;
-    return std::move(serverKnowsMore(server, device) ? server : device);
-  });
+  return reactive::deferred([parts = _parts, kestrom] { return history(parts, kestrom); });
 }
 
 Publisher<std::vector<BotAnswer>, DatabaseError> DefaultAnswerService::unsyncedAnswers(

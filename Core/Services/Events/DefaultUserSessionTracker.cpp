@@ -28,14 +28,15 @@ void DefaultUserSessionTracker::stopTracking() {
 
 double DefaultUserSessionTracker::activeTime() const {
   if (!_lastActiveStartDate) return _elapsedTime;
-  return _elapsedTime + _clock.now().secondsSinceReferenceDate - _lastActiveStartDate->secondsSinceReferenceDate;
+  // The difference first: beside the seconds since 2001 a fraction of the sum would be lost.
+  return _elapsedTime + (_clock.now().secondsSinceReferenceDate - _lastActiveStartDate->secondsSinceReferenceDate);
 }
 
 void DefaultUserSessionTracker::pause() {
   if (_isTracking) closeStretch();
 }
 
-/// A stretch that was open already begins anew: what was lost between the two is lost time, too.
+/// A second activation without a pause begins the stretch anew; the time before it is not counted.
 void DefaultUserSessionTracker::appBecomeActive() {
   if (_isTracking) _lastActiveStartDate = _clock.now();
 }

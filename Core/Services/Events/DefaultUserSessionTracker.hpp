@@ -26,7 +26,7 @@ class DefaultUserSessionTracker final : public UserSessionTracker {
   void appBecomeActive();
   void closeStretch();
 
-  /// The feed lives as long as the time that its events carry.
+  /// Kept alive, and not asked.
   std::shared_ptr<EventFeedService> _feedService;
   const foundation::Clock& _clock;
   bool _isTracking = false;

@@ -203,7 +203,7 @@ TEST_F(KestromObjectServiceTest, ForgetsWhatWasKeptOfACaseThatIsMerelyInvited) {
   rest.answer(200, caseWith("in_progress", "invited"));
   EXPECT_TRUE(answers->cleared.empty());
   rest.answer(200, kBot);
-  EXPECT_EQ(clearedBefore, (std::vector<std::string>{"c1"}));
+  EXPECT_EQ(clearedBefore, (std::vector<std::string>{"o1/c1"}));
 }
 
 }  // namespace

@@ -305,6 +305,19 @@ TEST_F(DefaultAnswerServiceTest, BelievesTheListThatKnowsMore) {
   }
 }
 
+TEST_F(DefaultAnswerServiceTest, AsksAnewAtEachSubscription) {
+  const auto history = service->answersHistory(someCase());
+  for (const std::size_t count : {1U, 2U}) {
+    const auto submitted = submit(chosenAnswer("m" + std::to_string(count), "t"));
+    answerNext(500);
+    std::optional<Answers> answers;
+    const auto token = history.sink([&](Answers&& found) { answers = found; });
+    answerNext(500);
+    ASSERT_TRUE(answers);
+    EXPECT_EQ(answers->size(), count);
+  }
+}
+
 TEST_F(DefaultAnswerServiceTest, TakesWhatIsThereWhenTheServerFails) {
   for (const bool isOnDevice : {false, true}) {
     for (const auto& [status, body] : {std::pair{500, "{}"}, {200, "{}"}, {200, "[]"}, {200, "{\"answers\":[{}]}"}}) {

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace kestrom::services {
 namespace {
@@ -25,27 +27,38 @@ TEST(DefaultDeviceDataService, LeavesOutWhatIsNotKnownAndKeepsTheRest) {
   EXPECT_EQ(DefaultDeviceDataService(nameless, whole).deviceData(), (KestromDeviceData{std::nullopt, "2.1", "Host"}));
 }
 
-/// Answers inside the call.
+/// Answers when it is told.
 class FakeUserNotificationCenter final : public device::UserNotificationCenter {
  public:
-  void getNotificationSettings(SettingsCompletion completion) override { completion({status}); }
+  void getNotificationSettings(SettingsCompletion completion) override {
+    _waiting.push_back([this, completion = std::move(completion)]() mutable { completion({status}); });
+  }
   void requestAuthorization(device::NotificationOptions options, AuthorizationCompletion completion) override {
     asked = options;
-    completion(status == Status::authorized);
+    _waiting.push_back(
+        [this, completion = std::move(completion)]() mutable { completion(status == Status::authorized); });
+  }
+  void answer() {
+    for (auto& waiting : std::exchange(_waiting, {})) waiting();
   }
 
   Status status = Status::notDetermined;
   std::optional<device::NotificationOptions> asked;
+
+ private:
+  std::vector<std::move_only_function<void()>> _waiting;
 };
 
 TEST(DefaultNotificationsService, IsDeterminedByAnyAnswerEvenARefusal) {
   FakeUserNotificationCenter center;
-  const DefaultNotificationsService service(center);
   for (const auto& [status, wanted] : {std::pair(Status::notDetermined, false), std::pair(Status::denied, true),
                                        std::pair(Status::authorized, true)}) {
     center.status = status;
     std::optional<bool> isDetermined;
-    service.isDetermined([&](bool answer) { isDetermined = answer; });
+    // The service need not wait for the answer.
+    DefaultNotificationsService(center).isDetermined([&](bool answer) { isDetermined = answer; });
+    EXPECT_EQ(isDetermined, std::nullopt);
+    center.answer();
     EXPECT_EQ(isDetermined, wanted);
   }
   EXPECT_FALSE(center.asked) << "looking asks nobody";
@@ -53,11 +66,12 @@ TEST(DefaultNotificationsService, IsDeterminedByAnyAnswerEvenARefusal) {
 
 TEST(DefaultNotificationsService, AsksForAllWaysToNotify) {
   FakeUserNotificationCenter center;
-  DefaultNotificationsService service(center);
   for (const auto& [status, wanted] : {std::pair(Status::authorized, true), std::pair(Status::denied, false)}) {
     center.status = status;
     std::optional<bool> isGranted;
-    service.requestAuthorization([&](bool answer) { isGranted = answer; });
+    DefaultNotificationsService(center).requestAuthorization([&](bool answer) { isGranted = answer; });
+    EXPECT_EQ(isGranted, std::nullopt);
+    center.answer();
     EXPECT_EQ(isGranted, wanted);
   }
   EXPECT_EQ(center.asked, (device::NotificationOptions{.badge = true, .sound = true, .alert = true}));

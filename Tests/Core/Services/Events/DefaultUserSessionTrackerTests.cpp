@@ -48,6 +48,21 @@ TEST_F(UserSessionTracking, LeavesTheBackgroundOut) {
   EXPECT_EQ(tracker.activeTime(), 10.5);
 }
 
+TEST_F(UserSessionTracking, AddsStretchesWithoutLosingTheirFractions) {
+  clock.set(1'700'000'000.1);
+  const double end = clock.now().secondsSinceReferenceDate;
+  clock.set(1'700'000'000);
+  const double tenth = end - clock.now().secondsSinceReferenceDate;
+  tracker.startTracking();
+  for (int stretch = 1; stretch <= 3; ++stretch) {
+    clock.set(1'700'000'000);
+    becomeActive();
+    clock.set(1'700'000'000.1);
+    enterBackground();
+    EXPECT_DOUBLE_EQ(tracker.activeTime(), tenth * stretch);
+  }
+}
+
 TEST_F(UserSessionTracking, LosesTheStretchBeforeASecondActivation) {
   tracker.startTracking();
   clock.advance(3);
