@@ -61,7 +61,7 @@ class RecordingFileWriter final : public MultipartFileWriter {
 /// Keeps what it is asked, and turns it into a value or another failure.
 class RecordingHandler final : public RESTErrorHandler {
  public:
-  using Answer = std::expected<std::any, RESTError>;
+  using Answer = reactive::Publisher<std::any, RESTError>;
 
   RecordingHandler(Answer answer, Lines& asked) : _answer(std::move(answer)), _asked(asked) {}
 
@@ -69,7 +69,7 @@ class RecordingHandler final : public RESTErrorHandler {
                                                      const JSONDecoder& decoder) const override {
     const bool isDefault = decoder.dates == defaultDecoder().dates;
     _asked.push_back(debugDescription(error) + " of " + originalRequest.path() + (isDefault ? "" : ", other decoder"));
-    return reactive::finished(_answer);
+    return _answer;
   }
 
  private:
@@ -393,13 +393,14 @@ TEST_F(RESTNetworkServiceTest, AsksTheHandlersInOrderUntilOneRecovers) {
   const auto handler = [&](RecordingHandler::Answer answer) {
     return std::make_shared<RecordingHandler>(std::move(answer), asked);
   };
+  const auto recovery = reactive::just<RESTError>(std::any(kValue));
   session->answerAtOnce(500, "");
   Outcome<StatusCheckResponseBody> recovered;
-  collect(
-      makeService({std::make_shared<GenericErrorHandler>(), handler(std::unexpected(RESTError::noInternetConnection())),
-                   handler(std::any(kValue)), handler(std::any(kValue))})
-          .decoded<StatusCheckResponseBody>(statusCheck, defaultDecoder()),
-      recovered);
+  collect(makeService({std::make_shared<GenericErrorHandler>(),
+                       handler(reactive::fail<std::any>(RESTError::noInternetConnection())), handler(recovery),
+                       handler(recovery)})
+              .decoded<StatusCheckResponseBody>(statusCheck, defaultDecoder()),
+          recovered);
   EXPECT_EQ(recovered.ends, 0) << "what a handler gives comes on the main queue as well";
   mainQueue.runReady();
   EXPECT_EQ(recovered.values, std::vector{kValue});
@@ -408,8 +409,8 @@ TEST_F(RESTNetworkServiceTest, AsksTheHandlersInOrderUntilOneRecovers) {
 
   Outcome<Bytes> mistaken;
   Outcome<reactive::Nothing> mistakenToo;
-  collect(makeService({handler(std::any(kValue))}).data(statusCheck, defaultDecoder()), mistaken);
-  collect(makeService({handler(std::any(kValue))}).perform(statusCheck, defaultDecoder()), mistakenToo);
+  collect(makeService({handler(recovery)}).data(statusCheck, defaultDecoder()), mistaken);
+  collect(makeService({handler(recovery)}).perform(statusCheck, defaultDecoder()), mistakenToo);
   mainQueue.runReady();
   EXPECT_EQ(mistaken.failure, RESTError::unknown());
   EXPECT_EQ(mistakenToo.failure, RESTError::unknown());
