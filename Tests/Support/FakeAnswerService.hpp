@@ -33,7 +33,9 @@ class FakeAnswerService final : public services::AnswerService {
       const models::KestromObjectDetails&) override {
     return reactive::just<services::DatabaseError>(std::vector<models::BotAnswer>());
   }
-  void clearCachedAnswers(const models::KestromObjectDetails& kestrom) override { cleared.push_back(kestrom.organizationId + "/" + kestrom.id); }
+  void clearCachedAnswers(const models::KestromObjectDetails& kestrom) override {
+    cleared.push_back(kestrom.organizationId + "/" + kestrom.id);
+  }
 
   std::vector<models::BotAPIAnswerDTO> history;
   /// Those that somebody subscribed to.
