@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <future>
 #include <latch>
 #include <memory>
 #include <optional>
@@ -189,6 +190,18 @@ TEST(QueueThreads, AQueueThatEndsDropsWhatHasNotRun) {
   }
   EXPECT_EQ(life.use_count(), 1);
   timerToken.cancel();
+}
+
+TEST(QueueThreads, AQueueMayGoOnceItsLastWorkHasRun) {
+  for (int round = 0; round < 300; ++round) {
+    auto queue = std::make_unique<SerialQueue>("short-lived");
+    std::promise<void> hasRun;
+    std::thread other([&queue = *queue, &hasRun] { queue.schedule([&hasRun] { hasRun.set_value(); }); });
+    // The other thread may be on its way out of the call yet.
+    hasRun.get_future().wait();
+    queue = nullptr;
+    other.join();
+  }
 }
 
 TEST(QueueThreads, AFutureResolvedElsewhereArrivesOnTheMainQueue) {

@@ -3,18 +3,13 @@
 #include "Kestrom/Export.hpp"
 #include "Kestrom/Platform/Scheduler.hpp"
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <thread>
-#include <vector>
 
 namespace kestrom::reactive {
 
 class WaitingPlace;
-class WorkQueue;
 
 /// The steady clock of the system.
 KESTROM_API TimePoint steadyNow();
@@ -24,10 +19,14 @@ KESTROM_API TimePoint steadyNow();
 /// for it and at `nextDueTime`.
 class KESTROM_API MainQueue final : public Scheduler {
  public:
-  explicit MainQueue(std::function<TimePoint()> now = steadyNow);
+  using Clock = std::function<TimePoint()>;
+
+  explicit MainQueue(Clock now = steadyNow);
   ~MainQueue() override;
 
   TimePoint now() const override { return _clock(); }
+  /// May still be on its way back, on another thread, when the work has run and this object is gone: an owner who has
+  /// seen the last work run may destroy the queue.
   void schedule(Work work) override;
   AnyCancellable scheduleAfter(Duration duration, Work work) override;
 
@@ -43,27 +42,17 @@ class KESTROM_API MainQueue final : public Scheduler {
 
   /// `wakeUp` is called on the scheduling thread whenever something was scheduled; it should only wake the host's loop.
   /// To be set before the first use.
-  void setWakeUp(std::function<void()> wakeUp) { _wakeUp = std::move(wakeUp); }
+  void setWakeUp(std::function<void()> wakeUp);
 
   /// Has `run` wait there when it has nothing to do, as long as the place exists. The first place stays; the others are
   /// for the case that it goes. For the kit's own platform. Any thread.
   void offer(std::weak_ptr<WaitingPlace> place);
 
  private:
-  void notify();
-  void wait();
-  std::shared_ptr<WaitingPlace> place() const;
+  class State;
 
-  Ref<WorkQueue> _queue;
-  std::function<TimePoint()> _clock;
-  std::function<void()> _wakeUp;
-  mutable std::mutex _mutex;
-  std::condition_variable _changed;
-  bool _hasChanged = false;
-  bool _isStopping = false;
-  /// The thread of `run`.
-  std::thread::id _runner;
-  std::vector<std::weak_ptr<WaitingPlace>> _places;
+  Ref<State> _state;
+  Clock _clock;
 };
 
 }  // namespace kestrom::reactive
