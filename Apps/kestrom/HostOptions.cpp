@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <fstream>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -93,6 +94,9 @@ std::expected<Platform, std::string> platformFor(const HostOptions& options) {
     if (!system.connectTo) return std::unexpected(wrong("--connect-to", *options.connectTo, "HOST:PORT"));
   }
   system.certificateAuthorityFile = fileURL(options.caFile);
+  if (options.caFile && std::ifstream(*options.caFile).peek() == std::ifstream::traits_type::eof()) {
+    return std::unexpected(wrong("--cacert", *options.caFile, "readable file"));
+  }
   system.documentsDirectory = fileURL(options.documentsDirectory);
   system.temporaryDirectory = fileURL(options.temporaryDirectory);
   if (options.appName) system.mainBundleValues["CFBundleName"] = *options.appName;
@@ -106,9 +110,9 @@ std::expected<Platform, std::string> platformFor(const HostOptions& options) {
   }
   Platform platform = linuxPlatform(system);
   platform.locationManager =
-      std::make_shared<device::SimulatedLocationManager>(std::move(*location), *platform.mainQueue);
+      std::make_shared<device::SimulatedLocationManager>(std::move(*location), platform.mainQueue);
   platform.userNotificationCenter =
-      std::make_shared<device::SimulatedUserNotificationCenter>(*notifications, *platform.mainQueue);
+      std::make_shared<device::SimulatedUserNotificationCenter>(*notifications, platform.mainQueue);
   if (options.phoneModel) platform.deviceIdentity = std::make_shared<device::FixedDeviceIdentity>(options.phoneModel);
   return platform;
 }

@@ -9,7 +9,6 @@
 #include "Kestrom/Platform/LinuxPlatform.hpp"
 #include "Platform/Foundation/FatalError.hpp"
 
-#include <atomic>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -73,7 +72,9 @@ bool isWhole(const Platform& platform) {
 /// The host's entries, and the standard ones where it has none.
 Platform wholePlatform(Platform platform) {
   if (isWhole(platform)) return platform;
-  Platform standard = linuxPlatform();
+  LinuxPlatformOptions options;
+  options.mainQueue = platform.mainQueue;
+  Platform standard = linuxPlatform(options);
   fill(platform.mainQueue, standard.mainQueue);
   fill(platform.makeSerialQueue, standard.makeSerialQueue);
   fill(platform.clock, standard.clock);

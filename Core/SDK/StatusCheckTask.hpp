@@ -9,13 +9,12 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 
 namespace kestrom::sdk {
 
 /// One status check on its way: runs until its result is there and then lets everything go. Safe from any thread.
-class StatusCheckTask final : public std::enable_shared_from_this<StatusCheckTask> {
+class StatusCheckTask final {
  public:
   using Result = std::expected<KestromStatus, KestromError>;
   using Resume = std::move_only_function<void(Result)>;

@@ -1,8 +1,8 @@
 #include "Kestrom/Version.hpp"
 
-namespace kestrom {
+extern "C" {
 
 const double KestromVersionNumber = 1.0;
-const char* const KestromVersionString = "@(#)PROGRAM:Kestrom  PROJECT:Kestrom-1\n";
+const char KestromVersionString[] = "@(#)PROGRAM:Kestrom  PROJECT:Kestrom-1\n";
 
-}  // namespace kestrom
+}  // extern "C"

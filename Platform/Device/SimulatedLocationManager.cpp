@@ -6,9 +6,10 @@ namespace kestrom::device {
 
 using Status = LocationAuthorizationStatus;
 
-SimulatedLocationManager::SimulatedLocationManager(LocationBehavior behavior, reactive::Scheduler& mainQueue)
+SimulatedLocationManager::SimulatedLocationManager(LocationBehavior behavior,
+                                                   std::shared_ptr<reactive::Scheduler> mainQueue)
     : _behavior(behavior),
-      _mainQueue(mainQueue),
+      _mainQueue(std::move(mainQueue)),
       _status(std::holds_alternative<LocationBehavior::Denied>(_behavior.form) ? Status::denied
                                                                                : Status::authorizedWhenInUse) {}
 
@@ -44,7 +45,7 @@ void SimulatedLocationManager::startUpdatingLocation() {
 /// What the delegate does with the call may replace the token, even end this object, so nothing of it is used after.
 template <class Tell>
 reactive::AnyCancellable SimulatedLocationManager::tellSoon(Tell tell) {
-  return _mainQueue.scheduleAfter(reactive::Duration(0), [this, tell = std::move(tell)] {
+  return _mainQueue->scheduleAfter(reactive::Duration(0), [this, tell = std::move(tell)] {
     if (const auto delegate = _delegate.lock()) tell(*delegate);
   });
 }

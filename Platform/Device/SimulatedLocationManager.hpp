@@ -11,9 +11,8 @@ namespace kestrom::device {
 /// host's platform.
 class SimulatedLocationManager final : public LocationManager {
  public:
-  /// The permission is refused with `Denied` and given with everything else. The delegate is called on `mainQueue`,
-  /// which outlives this object.
-  SimulatedLocationManager(LocationBehavior behavior, reactive::Scheduler& mainQueue);
+  /// The permission is refused with `Denied` and given with everything else. The delegate is called on `mainQueue`.
+  SimulatedLocationManager(LocationBehavior behavior, std::shared_ptr<reactive::Scheduler> mainQueue);
 
   /// What happens to updates that are started from now on; one that waits without an answer goes on waiting. `Denied`
   /// and a place change the permission too.
@@ -33,7 +32,7 @@ class SimulatedLocationManager final : public LocationManager {
   void tellAuthorizationSoon();
 
   LocationBehavior _behavior;
-  reactive::Scheduler& _mainQueue;
+  std::shared_ptr<reactive::Scheduler> _mainQueue;
   LocationAuthorizationStatus _status;
   std::weak_ptr<LocationManagerDelegate> _delegate;
   reactive::AnyCancellable _authorizationChange;

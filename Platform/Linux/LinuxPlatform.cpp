@@ -78,12 +78,12 @@ networking::CurlSessionConfiguration sessionConfiguration(const LinuxPlatformOpt
 Platform linuxPlatform(const LinuxPlatformOptions& options) {
   const auto directories = directoriesOf(options);
   Platform platform;
-  const auto mainQueue = std::make_shared<reactive::SerialQueue>("kestrom-main");
-  platform.mainQueue = mainQueue;
+  const auto ownQueue = options.mainQueue ? nullptr : std::make_shared<reactive::SerialQueue>("kestrom-main");
+  platform.mainQueue = ownQueue ? ownQueue : options.mainQueue;
   platform.makeSerialQueue = [](const std::string& label) { return std::make_shared<reactive::SerialQueue>(label); };
   platform.clock = std::make_shared<foundation::SystemClock>();
   platform.urlSessionFactory = std::make_shared<networking::CurlURLSessionFactory>(
-      sessionConfiguration(options, directories.temporary), mainQueue);
+      sessionConfiguration(options, directories.temporary), ownQueue);
   platform.fileManager = std::make_shared<foundation::PosixFileManager>(directories);
   platform.notificationCenter = std::make_shared<foundation::NotificationCenter>();
   platform.mainBundle = std::make_shared<foundation::MapBundle>(options.mainBundleValues);
@@ -92,9 +92,9 @@ Platform linuxPlatform(const LinuxPlatformOptions& options) {
   platform.deviceIdentity = std::make_shared<device::SystemDeviceIdentity>();
   // The machine knows no location and shows no notifications.
   platform.locationManager = std::make_shared<device::SimulatedLocationManager>(
-      device::LocationBehavior{device::LocationBehavior::Denied{}}, *platform.mainQueue);
+      device::LocationBehavior{device::LocationBehavior::Denied{}}, platform.mainQueue);
   platform.userNotificationCenter = std::make_shared<device::SimulatedUserNotificationCenter>(
-      device::NotificationAuthorizationStatus::notDetermined, *platform.mainQueue);
+      device::NotificationAuthorizationStatus::notDetermined, platform.mainQueue);
   platform.logSink = std::make_shared<foundation::StandardErrorLogSink>();
   return platform;
 }

@@ -10,4 +10,10 @@ cp -a "$prefix" "$work/moved"
 export PKG_CONFIG_PATH=$work/moved/$libdir/pkgconfig
 read -ra flags <<<"$(pkg-config --cflags --libs kestrom)"
 "$compiler" -std=c++23 "$source/main.cpp" "${flags[@]}" -o "$work/host"
-LD_LIBRARY_PATH=$work/moved/$libdir "$work/host"
+export LD_LIBRARY_PATH=$work/moved/$libdir
+"$(dirname "$0")/check-host.sh" "$work/host"
+
+# The library shows its own names and no others.
+strangers=$(nm -D --defined-only "$LD_LIBRARY_PATH/libKestrom.so" | awk '{ print $3 }' |
+  grep -vE '^(KestromVersion|_ZN7kestrom|_ZNK7kestrom|_ZT.N7kestrom|_ZTh.*N7kestrom)' || true)
+[[ -z $strangers ]] || { printf 'exported:\n%s\n' "$strangers" >&2; exit 1; }

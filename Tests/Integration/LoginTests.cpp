@@ -45,7 +45,7 @@ class LoginIntegration : public testing::Test {
     options.documentsDirectory = URL::fromFilePath("/nowhere/documents");
     _platform = linuxPlatform(options);
     _platform.locationManager = std::make_shared<device::SimulatedLocationManager>(
-        device::LocationBehavior{device::LocationBehavior::Denied{}}, *_platform.mainQueue);
+        device::LocationBehavior{device::LocationBehavior::Denied{}}, _platform.mainQueue);
     onMainQueue([this] {
       _container.emplace(_platform);
       _listening = _container->eventFeedService().eventPublisher().sink(

@@ -38,7 +38,7 @@ struct TestPlatform {
       std::make_shared<foundation::NotificationCenter>();
   std::shared_ptr<device::SimulatedLocationManager> locationManager =
       std::make_shared<device::SimulatedLocationManager>(device::LocationBehavior{device::LocationBehavior::Denied{}},
-                                                         *mainQueue);
+                                                         mainQueue);
 
   Platform platform() const {
     using foundation::URL;
@@ -56,7 +56,7 @@ struct TestPlatform {
     platform.deviceIdentity = std::make_shared<device::FixedDeviceIdentity>("TestPhone1,1");
     platform.locationManager = locationManager;
     platform.userNotificationCenter = std::make_shared<device::SimulatedUserNotificationCenter>(
-        device::NotificationAuthorizationStatus::notDetermined, *mainQueue);
+        device::NotificationAuthorizationStatus::notDetermined, mainQueue);
     platform.logSink = log;
     return platform;
   }

@@ -6,7 +6,7 @@
 #include <cstdio>
 
 int main(int argc, char** argv) {
-  std::printf("embedding Kestrom %.1f: %s", kestrom::KestromVersionNumber, kestrom::KestromVersionString);
+  std::printf("embedding Kestrom %.1f: %s", KestromVersionNumber, KestromVersionString);
 
   kestrom::LinuxPlatformOptions options;
   options.mainBundleValues = {{"CFBundleName", "Host"}, {"CFBundleShortVersionString", "1.0"}};

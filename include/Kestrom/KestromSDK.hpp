@@ -23,6 +23,10 @@ class KestromSDKBuilder;
 
 /// The kit, as a host sees it: configure it once at the start, then present flows, ask for the status of a case, watch
 /// events. There is one object, which lives until the process ends.
+///
+/// The main thread is that of `Platform::mainQueue`. On `linuxPlatform()` it is one of the kit's own, unless the host
+/// gives a queue: keep the platform that is installed and call through `mainQueue->schedule`. No callback may be empty,
+/// and none may throw.
 class KESTROM_API KestromSDK final {
  public:
   /// Hands the kit the system that it runs on. Before the first use of `shared`, else the process ends; without it the
@@ -63,8 +67,7 @@ class KESTROM_API KestromSDK final {
                       bool shouldSkipLoginPage, bool isAnimated);
 
   /// Asks the server for the state of a case; no configuration is needed. One attempt: the future throws the
-  /// `KestromError` of a failure. Any thread, but whoever waits for the future on the main thread waits for ever,
-  /// unless the main queue has a thread of its own.
+  /// `KestromError` of a failure. Any thread, but whoever waits for the future on the main thread waits for ever.
   std::future<KestromStatus> fetchKestromStatus(std::string zipCode, std::string accessCode);
 
   /// The same, with a callback. It is called exactly once, on a background queue of the kit, never on the main thread,

@@ -184,21 +184,30 @@ TEST_F(KestromSDKTest, PresentsAFlowWithTheCredentialsOfEachForm) {
   EXPECT_EQ(KestromSDKBuilder::currentCoordinator(*flows), coordinators[3]);
 }
 
+TEST_F(KestromSDKTest, RunsOnTheQueueOfAHostThatGivesNothingElse) {
+  const auto queue = std::make_shared<reactive::ManualScheduler>();
+  Platform partial;
+  partial.mainQueue = queue;
+  const auto whole = KestromSDKBuilder::make(std::move(partial));
+  EXPECT_GT(queue->pendingCount(), 0u) << "the location's permission is told";
+  queue->runReady();
+  EXPECT_EQ(queue->pendingCount(), 0u);
+}
+
 TEST_F(KestromSDKTest, ForgetsAFlowThatEndsAndTellsTheObserver) {
   std::vector<std::string> earlier;
   std::vector<KestromEvent> later;
-  kit->observeKestromEvents([&](const KestromEvent& event) { earlier.emplace_back(event.name()); });
-  kit->observeKestromEvents([&](const KestromEvent& event) { later.push_back(event); });
-
   std::weak_ptr<RecordingCoordinator> coordinator;
   const Platform platform = system.platform();
-  auto flows = KestromSDKBuilder::make(platform, std::make_shared<sdk::DefaultDIContainer>(platform),
-                                       [&](NavigationControllerCoordinator::Parts parts) {
-                                         auto made = std::make_shared<RecordingCoordinator>(std::move(parts));
-                                         coordinator = made;
-                                         return made;
-                                       });
+  const auto container = std::make_shared<sdk::DefaultDIContainer>(platform);
+  auto flows = KestromSDKBuilder::make(platform, container, [&](NavigationControllerCoordinator::Parts parts) {
+    auto made = std::make_shared<RecordingCoordinator>(std::move(parts));
+    coordinator = made;
+    return made;
+  });
+  flows->observeKestromEvents([&](const KestromEvent& event) { earlier.emplace_back(event.name()); });
   flows->observeKestromEvents([&](const KestromEvent& event) { later.push_back(event); });
+  container->userSessionTracker().startTracking();
   flows->presentKestrom(std::make_shared<RecordingHost>(), true);
   system.clock->advance(5);
   // The callback ends the object that holds it.
@@ -207,16 +216,18 @@ TEST_F(KestromSDKTest, ForgetsAFlowThatEndsAndTellsTheObserver) {
   EXPECT_TRUE(coordinator.expired());
   EXPECT_EQ(KestromSDKBuilder::currentCoordinator(*flows), nullptr);
   ASSERT_EQ(later.size(), 1u);
-  EXPECT_EQ(later[0].name(), "sdk_closed");
+  EXPECT_EQ(later[0].trigger.form, decltype(later[0].trigger.form)(KestromEvent::Trigger::SDKClosed{5}));
   EXPECT_EQ(later[0].user, std::nullopt);
-  EXPECT_TRUE(earlier.empty());
+  EXPECT_TRUE(earlier.empty()) << "a later observer takes the place of an earlier one";
 
   flows->presentKestrom(std::make_shared<RecordingHost>(), true);
   const auto outliving = coordinator.lock();
   flows = nullptr;
+  const auto listening =
+      container->eventFeedService().eventPublisher().sink([&](KestromEvent&& event) { later.push_back(event); });
   outliving->parts.flowCompletion();
   system.settle();
-  EXPECT_EQ(later.size(), 1u);
+  EXPECT_EQ(later.size(), 1u) << "a flow whose kit is gone tells nobody";
 }
 
 TEST_F(KestromSDKTest, StartsAFlowWithTheSplash) {

@@ -90,7 +90,7 @@ TEST_F(LocationPermission, GivesACoordinateOrNoneButNeverFails) {
 
 TEST(AuthorizePushNotifications, GivesWhatThePersonAnswers) {
   using PushStatus = device::NotificationAuthorizationStatus;
-  reactive::ManualScheduler scheduler;
+  const auto scheduler = std::make_shared<reactive::ManualScheduler>();
   device::SimulatedUserNotificationCenter center(PushStatus::notDetermined, scheduler);
   DefaultAuthorizePushNotificationsUseCase authorize(std::make_shared<services::DefaultNotificationsService>(center));
   const auto publisher = authorize.execute();
@@ -101,7 +101,7 @@ TEST(AuthorizePushNotifications, GivesWhatThePersonAnswers) {
     bool hasEnded = false;
     const auto token =
         publisher.sink([&](auto&&) { hasEnded = true; }, [&](bool answer) { answers.push_back(answer); });
-    scheduler.runReady();
+    scheduler->runReady();
     EXPECT_EQ(answers, std::vector{wanted});
     EXPECT_TRUE(hasEnded);
   }

@@ -63,25 +63,25 @@ TEST(SimulatedLocationManager, AnswersEachUpdateOnceAsTheHostSays) {
   };
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.label);
-    reactive::ManualScheduler scheduler;
+    const auto scheduler = std::make_shared<reactive::ManualScheduler>();
     SimulatedLocationManager manager(row.behavior, scheduler);
     const auto delegate = std::make_shared<RecordingDelegate>(manager);
     manager.setDelegate(delegate);
     EXPECT_EQ(delegate->news(), "") << "inside the call";
-    scheduler.runReady();
+    scheduler->runReady();
     EXPECT_EQ(delegate->news(), row.permission);
 
     for (int time = 0; time < 2; ++time) {
       manager.startUpdatingLocation();
       EXPECT_EQ(delegate->news(), "") << "inside the call";
-      scheduler.runReady();
+      scheduler->runReady();
       EXPECT_EQ(delegate->news(), row.answer);
     }
   }
 }
 
 TEST(SimulatedLocationManager, TellsAChangeOfPermissionThatDeniedOrAPlaceBrings) {
-  reactive::ManualScheduler scheduler;
+  const auto scheduler = std::make_shared<reactive::ManualScheduler>();
   SimulatedLocationManager manager(kDenied, scheduler);
   const auto delegate = std::make_shared<RecordingDelegate>(manager);
   manager.setDelegate(delegate);
@@ -90,7 +90,7 @@ TEST(SimulatedLocationManager, TellsAChangeOfPermissionThatDeniedOrAPlaceBrings)
     LocationBehavior behavior;
     std::string_view news;
   };
-  scheduler.runReady();
+  scheduler->runReady();
   EXPECT_EQ(delegate->news(), " refused");
   for (const Row& row : {
            Row{"stays refused", kFails, ""},
@@ -102,45 +102,45 @@ TEST(SimulatedLocationManager, TellsAChangeOfPermissionThatDeniedOrAPlaceBrings)
        }) {
     SCOPED_TRACE(row.label);
     manager.setBehavior(row.behavior);
-    scheduler.runReady();
+    scheduler->runReady();
     EXPECT_EQ(delegate->news(), row.news);
   }
 }
 
 TEST(SimulatedLocationManager, LeavesAnUpdateThatGetsNoAnswerToItsFate) {
-  reactive::ManualScheduler scheduler;
+  const auto scheduler = std::make_shared<reactive::ManualScheduler>();
   SimulatedLocationManager manager(kNever, scheduler);
   const auto delegate = std::make_shared<RecordingDelegate>(manager);
   manager.setDelegate(delegate);
   manager.startUpdatingLocation();
   manager.setBehavior(kPlace);
-  scheduler.runReady();
+  scheduler->runReady();
   EXPECT_EQ(delegate->news(), " allowed");
 
   manager.startUpdatingLocation();
   manager.setBehavior(kNever);
   manager.startUpdatingLocation();
-  scheduler.runReady();
+  scheduler->runReady();
   EXPECT_EQ(delegate->news(), "") << "an answer for the update before";
 }
 
 TEST(SimulatedLocationManager, TellsNothingAfterAStopOrItsEnd) {
-  reactive::ManualScheduler scheduler;
+  const auto scheduler = std::make_shared<reactive::ManualScheduler>();
   std::optional<SimulatedLocationManager> manager(std::in_place, kPlace, scheduler);
   auto delegate = std::make_shared<RecordingDelegate>(*manager);
   manager->setDelegate(delegate);
-  scheduler.runReady();
+  scheduler->runReady();
   delegate->news();
 
   manager->startUpdatingLocation();
   manager->stopUpdatingLocation();
-  scheduler.runReady();
+  scheduler->runReady();
   EXPECT_EQ(delegate->news(), "");
 
   manager->startUpdatingLocation();
   manager->setBehavior(kDenied);
   manager.reset();
-  EXPECT_EQ(scheduler.pendingCount(), 0U);
+  EXPECT_EQ(scheduler->pendingCount(), 0U);
   EXPECT_EQ(delegate->news(), "");
 }
 
@@ -155,7 +155,7 @@ TEST(SimulatedUserNotificationCenter, GrantsToWhoWasNotAskedAndElseRepeatsTheAns
        {Row{Status::notDetermined, true, Status::authorized}, Row{Status::authorized, true, Status::authorized},
         Row{Status::denied, false, Status::denied}}) {
     SCOPED_TRACE(static_cast<int>(row.before));
-    reactive::ManualScheduler scheduler;
+    const auto scheduler = std::make_shared<reactive::ManualScheduler>();
     SimulatedUserNotificationCenter center(Status::notDetermined, scheduler);
     center.setStatus(row.before);
     std::optional<Status> before;
@@ -165,7 +165,7 @@ TEST(SimulatedUserNotificationCenter, GrantsToWhoWasNotAskedAndElseRepeatsTheAns
     center.requestAuthorization({}, [&](bool answer) { isGranted = answer; });
     center.getNotificationSettings([&](NotificationSettings settings) { after = settings.authorizationStatus; });
     EXPECT_FALSE(before || isGranted || after) << "inside a call";
-    scheduler.runReady();
+    scheduler->runReady();
     EXPECT_EQ(before, row.before);
     EXPECT_EQ(isGranted, row.isGranted);
     EXPECT_EQ(after, row.after);
@@ -173,12 +173,12 @@ TEST(SimulatedUserNotificationCenter, GrantsToWhoWasNotAskedAndElseRepeatsTheAns
 }
 
 TEST(SimulatedUserNotificationCenter, DropsWhatWaitsWithItsEnd) {
-  reactive::ManualScheduler scheduler;
+  const auto scheduler = std::make_shared<reactive::ManualScheduler>();
   {
     SimulatedUserNotificationCenter center(NotificationAuthorizationStatus::denied, scheduler);
     center.requestAuthorization({}, [](bool) { FAIL(); });
   }
-  scheduler.runReady();
+  scheduler->runReady();
 }
 
 TEST(SystemDeviceIdentity, NamesTheMachine) {

@@ -6,6 +6,7 @@
 #include "Kestrom/Platform/URL.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +20,8 @@ struct LinuxPlatformOptions {
     std::uint16_t port = 0;
   };
 
+  /// Where the kit's state lives, pumped by the host; absent: a queue with a thread of its own.
+  std::shared_ptr<reactive::Scheduler> mainQueue;
   /// Where the user's data lie; absent: "kestrom" in $XDG_DATA_HOME or in ~/.local/share.
   std::optional<foundation::URL> documentsDirectory;
   /// Absent: one of this user alone in the system's directory for temporary files, made if it is missing.
@@ -32,7 +35,7 @@ struct LinuxPlatformOptions {
 };
 
 /// The platform of a Linux system, every entry set. Its main queue has a thread of its own, so that a host without a
-/// loop need not pump one.
+/// loop need not pump one; a host that has a loop gives its queue with the options, as other entries call back on it.
 KESTROM_API Platform linuxPlatform(const LinuxPlatformOptions& options = {});
 
 }  // namespace kestrom

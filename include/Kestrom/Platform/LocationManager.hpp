@@ -58,7 +58,8 @@ class KESTROM_API LocationManager {
   virtual ~LocationManager() = default;
 
   /// There is one delegate; a later one takes its place. It is told the present authorization soon after this call, and
-  /// then each change.
+  /// then each change, on the main queue. The kit calls this once, on the thread that first uses it, before anything
+  /// else.
   virtual void setDelegate(std::weak_ptr<LocationManagerDelegate> delegate) = 0;
 
   virtual LocationAuthorizationStatus authorizationStatus() const = 0;
