@@ -32,10 +32,10 @@ std::string_view nameOf(JSONType type) {
 /// More members than any record has; a table that outgrows it does not compile into a wrong decoder but stops at once.
 constexpr std::size_t kMaximumFields = 32;
 
-/// Made once: a formatter costs far more than a date.
+/// Made once, as a formatter costs far more than a date, and never destroyed: threads may run while the process ends.
 const DateFormatter& dateAndTimeFormatter() {
-  static const DateFormatter kFormatter("yyyy-MM-dd HH:mm:ss");
-  return kFormatter;
+  static const auto* const kFormatter = new DateFormatter("yyyy-MM-dd HH:mm:ss");
+  return *kFormatter;
 }
 
 }  // namespace

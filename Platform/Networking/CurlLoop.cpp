@@ -1,6 +1,7 @@
 #include "Platform/Networking/CurlLoop.hpp"
 
 #include "Kestrom/Platform/MainQueue.hpp"
+#include "Platform/Networking/LiveLoops.hpp"
 
 #include <curl/curl.h>
 
@@ -24,7 +25,11 @@ constexpr std::chrono::hours kLongestSleep{1};
 
 /// libcurl asks to be prepared once for the process, before it is used by threads.
 CURLcode prepareLibrary() {
-  static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
+  static const CURLcode result = [] {
+    const CURLcode prepared = curl_global_init(CURL_GLOBAL_DEFAULT);
+    live_loops::freezeAtExit();
+    return prepared;
+  }();
   return result;
 }
 
@@ -73,6 +78,7 @@ struct CurlLoop::Callbacks {
 
 CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* delegateQueue, NetworkProbe hasNetwork)
     : _configuration(std::move(configuration)), _delegateQueue(delegateQueue), _hasNetwork(std::move(hasNetwork)) {
+  live_loops::add(*this);
   if (prepareLibrary() == CURLE_OK && _watch.isUsable()) _multi.reset(curl_multi_init());
   if (!_multi) return;
   CURLM* const multi = _multi.get();
@@ -95,7 +101,19 @@ CurlLoop::CurlLoop(CurlSessionConfiguration configuration, reactive::Scheduler* 
   curl_multi_setopt(multi, CURLMOPT_TIMERDATA, this);
 }
 
-CurlLoop::~CurlLoop() = default;
+CurlLoop::~CurlLoop() {
+  live_loops::remove(*this);
+  if (!_isFrozen) return;
+  // Whoever may clean these up is gone; the process takes them with it.
+  for (auto& exchange : _running) static_cast<void>(exchange.release());
+  for (CurlEasyHandle& handle : _idleHandles) static_cast<void>(handle.release());
+  static_cast<void>(_multi.release());
+}
+
+void CurlLoop::freeze() {
+  const std::lock_guard driving(_driving);
+  _isFrozen = true;
+}
 
 URLError CurlLoop::unusableError() {
   return {URLError::Code::unknown, "The network library cannot be used"};
@@ -138,7 +156,7 @@ void CurlLoop::post(Change change) {
 /// Puts a task on its way on the calling thread, if nobody drives at this moment.
 bool CurlLoop::startHere(reactive::Ref<SessionTask>& task) {
   const std::unique_lock driving(_driving, std::try_to_lock);
-  if (!driving || !_multi || !_waiting.empty() || _running.size() >= kMaximumRunning) return false;
+  if (!driving || _isFrozen || !_multi || !_waiting.empty() || _running.size() >= kMaximumRunning) return false;
   begin(std::move(task));
   transfer();
   const auto due = nextDue();
@@ -204,7 +222,7 @@ void CurlLoop::sleep(std::optional<reactive::TimePoint> until) {
 std::optional<CurlLoop::Round> CurlLoop::drive(Driver driver) {
   const std::lock_guard driving(_driving);
   _isAwaited = false;
-  if (!takeInbox()) return std::nullopt;
+  if (_isFrozen || !takeInbox()) return std::nullopt;
   // First what has come, then the deadlines: an application that was asleep, or a completion that took its time, must
   // not end exchanges whose bytes are there.
   _watch.drain([this](int socket, void* exchange, SocketWatch::Interest ready, bool hasFailed) {
@@ -392,6 +410,7 @@ void CurlLoop::cancelAll() {
   Finished finished;
   {
     const std::lock_guard driving(_driving);
+    if (_isFrozen) return;
     const URLError error{URLError::Code::cancelled, "The session has ended"};
     while (!_running.empty()) _finished.emplace_back(abandon(_running.back().get()), std::unexpected(error));
     for (auto& task : std::exchange(_waiting, {})) _finished.emplace_back(std::move(task), std::unexpected(error));

@@ -43,6 +43,9 @@ class CurlLoop final : public reactive::WaitingPlace {
   /// Has `run` end all tasks with `cancelled` and return, and the main queue wait elsewhere. Nothing is started any
   /// more. Any thread.
   void stop();
+  /// From now on nobody calls libcurl for this loop any more; what it has stays as it is, and tasks end no more. For
+  /// the end of the process. Any thread.
+  void freeze();
 
   void run();
 
@@ -111,6 +114,7 @@ class CurlLoop final : public reactive::WaitingPlace {
   // Guarded by the mutex, libcurl's handles among it: whoever holds it drives the exchanges.
   std::mutex _driving;
   std::unique_ptr<void, CleanUpMulti> _multi;
+  bool _isFrozen = false;
   /// When libcurl wants to be called though nothing has come.
   std::optional<reactive::TimePoint> _timerDue;
   /// When the thread that waits wakes up by itself; absent: never.

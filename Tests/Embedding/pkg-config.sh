@@ -14,6 +14,10 @@ export LD_LIBRARY_PATH=$work/moved/$libdir
 "$(dirname "$0")/check-host.sh" "$work/host"
 
 # The library shows its own names and no others.
-strangers=$(nm -D --defined-only "$LD_LIBRARY_PATH/libKestrom.so" | awk '{ print $3 }' |
-  grep -vE '^(KestromVersion|_ZN7kestrom|_ZNK7kestrom|_ZT.N7kestrom|_ZTh.*N7kestrom)' || true)
-[[ -z $strangers ]] || { printf 'exported:\n%s\n' "$strangers" >&2; exit 1; }
+names=$(nm -D --defined-only "$LD_LIBRARY_PATH/libkestrom.so" | awk '{ print $3 }')
+grep -qx KestromVersionString <<<"$names"
+own='^(KestromVersion|_ZN7kestrom|_ZNK7kestrom|_ZT.N7kestrom|_ZTh.*N7kestrom)'
+if strangers=$(grep -vE "$own" <<<"$names"); then
+  printf 'exported:\n%s\n' "$strangers" >&2
+  exit 1
+fi

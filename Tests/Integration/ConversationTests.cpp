@@ -10,12 +10,12 @@
 #include "Tests/Platform/Foundation/TemporaryDirectory.hpp"
 #include "Tests/Support/AnswerSamples.hpp"
 #include "Tests/Support/ChatPerson.hpp"
+#include "Tests/Support/ChildProcess.hpp"
 #include "Tests/Support/FakeAnswerService.hpp"
 #include "Tests/Support/SandboxProcess.hpp"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <cstdint>
 #include <fstream>
 #include <functional>
@@ -25,12 +25,6 @@
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace kestrom {
 namespace {
@@ -76,50 +70,16 @@ std::vector<BotAPIAnswerDTO> script() {
 
 class ConversationIntegration : public testing::Test {
  protected:
-  struct Ended {
-    int status;
-    std::vector<std::string> lines;
-  };
+  using Ended = tests::EndedProcess;
 
-  /// Runs the host; `atLine` sees what it prints, while it goes on.
+  /// Runs the host.
   Ended run(std::vector<std::string> command, const std::function<void(const std::string&)>& atLine = {},
             const char* documents = "documents") {
     std::vector<std::string> arguments{KESTROM_CONVERSATION_PROGRAM, std::to_string(server.port()),
                                        server.certificateAuthority(), directory.path(documents)};
     arguments.insert(arguments.end(), command.begin(), command.end());
-    std::vector<char*> raw;
-    for (std::string& argument : arguments) raw.push_back(argument.data());
-    raw.push_back(nullptr);
-
-    int ends[2];
-    EXPECT_EQ(pipe(ends), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, ends[0]);
-    pid_t process = 0;
-    EXPECT_EQ(posix_spawn(&process, raw[0], &actions, nullptr, raw.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(ends[1]);
-
-    Ended ended{};
-    std::FILE* output = fdopen(ends[0], "r");
-    std::string line;
-    for (int letter = std::fgetc(output); letter != EOF; letter = std::fgetc(output)) {
-      if (letter != '\n') {
-        line += static_cast<char>(letter);
-        continue;
-      }
-      if (atLine) atLine(line);
-      ended.lines.push_back(std::move(line));
-      line.clear();
-    }
-    std::fclose(output);
-    EXPECT_EQ(waitpid(process, &ended.status, 0), process);
-    return ended;
+    return tests::runProcess(std::move(arguments), atLine);
   }
-
-  static bool wasKilled(const Ended& ended) { return WIFSIGNALED(ended.status) && WTERMSIG(ended.status) == SIGKILL; }
 
   /// What the server has, read by a device that has nothing.
   std::vector<BotAPIAnswerDTO> record() {
@@ -147,24 +107,24 @@ Key keyOf(const BotAPIAnswerDTO& answer) {
 }
 
 TEST_F(ConversationIntegration, LeavesTheScriptOnTheServer) {
-  EXPECT_TRUE(wasKilled(run({"answer", "20"})));
+  EXPECT_TRUE(run({"answer", "20"}).wasKilled());
   server.kill();
   server.restart(R"([
     {"endpoint": "getHistory", "call": 1, "status": 500},
     {"endpoint": "submitAnswer", "call": [1, 2, 3, 4, 5, 6, 7, 8], "drop": "duringResponse"},
     {"endpoint": "submitAnswer", "call": [10, 11, 12], "status": 401, "body": {"statusCode": 401}}
   ])");
-  EXPECT_TRUE(wasKilled(run({"answer", "20"})));
+  EXPECT_TRUE(run({"answer", "20"}).wasKilled());
 
   server.restart();
   const auto stopAtTen = [this](const std::string& line) {
     if (line == "answered 10") server.kill();
   };
-  EXPECT_TRUE(wasKilled(run({"answer", "25"}, stopAtTen)));
+  EXPECT_TRUE(run({"answer", "25"}, stopAtTen).wasKilled());
 
   server.restart(R"([{"endpoint": "submitAnswer", "call": [1, 2, 3], "status": 500}])");
   const Ended last = run({"answer", "0"});
-  EXPECT_TRUE(WIFEXITED(last.status) && WEXITSTATUS(last.status) == 0) << last.status;
+  EXPECT_TRUE(last.isGood()) << last.status;
 
   const std::vector<BotAPIAnswerDTO> wanted = script();
   EXPECT_EQ(20 + 20 + 25 + last.lines.size(), wanted.size()) << "each process goes on where the one before was killed";

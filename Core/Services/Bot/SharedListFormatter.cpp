@@ -3,8 +3,9 @@
 namespace kestrom::services {
 
 std::shared_ptr<const foundation::ListFormatter> sharedListFormatter() {
-  static const auto kFormatter = std::make_shared<const foundation::ListFormatter>("en_US");
-  return kFormatter;
+  // Never destroyed: threads may run while the process ends.
+  static const auto* const kFormatter = new auto(std::make_shared<const foundation::ListFormatter>("en_US"));
+  return *kFormatter;
 }
 
 }  // namespace kestrom::services

@@ -5,8 +5,9 @@
 namespace kestrom::services {
 
 const JSONDecoder& defaultDecoder() {
-  static const JSONDecoder kDecoder{.dates = JSONDecoder::Dates::dateAndTime};
-  return kDecoder;
+  // Never destroyed: threads may run while the process ends.
+  static const auto* const kDecoder = new JSONDecoder{.dates = JSONDecoder::Dates::dateAndTime};
+  return *kDecoder;
 }
 
 JSONDecoder answersDecoder(foundation::URL documentsDirectory) {
