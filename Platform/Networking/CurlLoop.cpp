@@ -177,6 +177,8 @@ void CurlLoop::run() {
     if (wakesGuest && _seat.giveAway()) continue;
     sleep(round->sleepsUntil);
   }
+  // A loop that was frozen has nothing more to do but to be there for its session's end.
+  _seat.awaitClose();
   cancelAll();
 }
 

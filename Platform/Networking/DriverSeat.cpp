@@ -82,6 +82,11 @@ void DriverSeat::close() {
   _changed.notify_all();
 }
 
+void DriverSeat::awaitClose() {
+  std::unique_lock lock(_mutex);
+  _changed.wait(lock, [this] { return _isClosed; });
+}
+
 /// To be called with the mutex held.
 void DriverSeat::wakeOwner() {
   if (std::exchange(_isOwnerAsleep, false)) _changed.notify_all();

@@ -42,6 +42,8 @@ class DriverSeat {
   /// The seat is the owner's for good, once the guest has left. When it is the guest who closes, the owner does not
   /// wait for that. Any thread.
   void close();
+  /// Owner: returns once the seat is closed.
+  void awaitClose();
 
  private:
   void wakeOwner();
